@@ -1,0 +1,26 @@
+# GoogleTest and Google Benchmark from the sources that the distribution ships, built with the
+# compiler and the sanitizers of the preset.
+set(ZOLVANE_GTEST_SOURCE /usr/src/googletest CACHE PATH "GoogleTest's sources")
+set(INSTALL_GTEST OFF)
+add_subdirectory(${ZOLVANE_GTEST_SOURCE} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+
+# zolvane_tests(NAME): one test program for the *_test.cpp of one folder below src.
+# foo_win_test.cpp is for the target only, foo_host_test.cpp for the others.
+function(zolvane_tests name)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${name}/*_test.cpp)
+  if(WIN32)
+    list(FILTER sources EXCLUDE REGEX "_host_test\\.cpp$")
+  else()
+    list(FILTER sources EXCLUDE REGEX "_win_test\\.cpp$")
+  endif()
+  if(NOT sources)
+    return()
+  endif()
+  add_executable(${name}_tests ${sources})
+  target_link_libraries(${name}_tests PRIVATE zolvane_${name} GTest::gmock_main)
+  target_compile_definitions(${name}_tests PRIVATE
+    ZOLVANE_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/data")
+  add_test(NAME ${name} COMMAND ${name}_tests
+    --gtest_output=xml:${CMAKE_BINARY_DIR}/results/${name}.xml)
+  set_tests_properties(${name} PROPERTIES TIMEOUT 600)
+endfunction()

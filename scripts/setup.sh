@@ -1,0 +1,108 @@
+#!/usr/bin/env bash
+# Installs what building, testing and running need on Debian 12, and only what is missing.
+#   scripts/setup.sh        everything
+#   scripts/setup.sh run    only what scripts/run.sh needs
+set -euo pipefail
+
+readonly purpose=${1:-all}
+
+readonly build_packages=(cmake ninja-build g++-mingw-w64-i686-posix)
+readonly wine_packages=(wine wine32:i386 wine64 fonts-wine)
+readonly screen_packages=(xvfb openbox xdotool imagemagick x11-utils python3)
+readonly run_packages=(googletest locales tzdata)
+readonly test_packages=(
+  clang g++ g++-mingw-w64-x86-64-posix libbenchmark-dev libclang-rt-14-dev libgmock-dev libgtest-dev
+  python3-pytest)
+# "NAME SOURCE", as localedef takes them.
+readonly wanted_locales=("en_GB.UTF-8 en_GB" "de_DE.UTF-8 de_DE")
+
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo -- "$@"; fi
+}
+
+apt() {
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get -y "$@" </dev/null
+}
+
+is_installed() {
+  [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
+}
+
+# The packages among the arguments that aren't installed, one a line.
+missing() {
+  local package
+  for package in "$@"; do
+    is_installed "$package" || echo "$package"
+  done
+}
+
+refreshed=no
+# Once a run. An index that can't be had is no failure yet: the packages may be had all the same.
+refresh_indexes() {
+  [ "$refreshed" = no ] || return 0
+  apt update || echo "setup: some package indexes could not be refreshed; going on" >&2
+  refreshed=yes
+}
+
+install_missing() {
+  local packages
+  mapfile -t packages < <(missing "$@")
+  [ "${#packages[@]}" -gt 0 ] || return 0
+  echo "setup: installing ${packages[*]}"
+  refresh_indexes
+  apt install --no-install-recommends "${packages[@]}"
+}
+
+# Both architectures of a library must have one version. Where the security suite can be had for
+# one of them only, the main suite has to serve both.
+install_from_main_suite() {
+  local preferences status=0
+  preferences=$(mktemp -d)
+  chmod 755 "$preferences"
+  cat >"$preferences/main-suite" <<'PINS'
+Package: *
+Pin: release l=Debian-Security
+Pin-Priority: -1
+
+Package: *
+Pin: release l=Debian
+Pin-Priority: 1001
+PINS
+  apt install --no-install-recommends --allow-downgrades \
+    -o "Dir::Etc::PreferencesParts=$preferences" "$@" || status=$?
+  rm -r "$preferences"
+  return "$status"
+}
+
+install_wine() {
+  [ -n "$(missing "${wine_packages[@]}")" ] || return 0
+  echo "setup: installing Wine with its 32-bit half"
+  if ! dpkg --print-foreign-architectures | grep -qx i386; then
+    as_root dpkg --add-architecture i386
+    refreshed=no
+  fi
+  refresh_indexes
+  apt install --no-install-recommends "${wine_packages[@]}" ||
+    install_from_main_suite "${wine_packages[@]}"
+}
+
+make_locales() {
+  local present wanted name source
+  present=$(locale -a 2>/dev/null | tr '[:upper:]' '[:lower:]' | tr -d -)
+  for wanted in "${wanted_locales[@]}"; do
+    read -r name source <<<"$wanted"
+    grep -qx "$(tr '[:upper:]' '[:lower:]' <<<"$name" | tr -d -)" <<<"$present" && continue
+    echo "setup: making the locale $name"
+    as_root localedef -i "$source" -f UTF-8 "$name"
+  done
+}
+
+case $purpose in
+  all) install_missing "${build_packages[@]}" "${screen_packages[@]}" "${run_packages[@]}" \
+         "${test_packages[@]}" ;;
+  run) install_missing "${build_packages[@]}" "${screen_packages[@]}" "${run_packages[@]}" ;;
+  *) echo "usage: $0 [run]" >&2; exit 2 ;;
+esac
+install_wine
+make_locales
+echo "setup: everything needed is installed"

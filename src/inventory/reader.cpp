@@ -1,0 +1,124 @@
+#include "inventory/reader.h"
+
+#include "orlo/exception.h"
+
+namespace {
+
+using ORLO::Lock;
+
+constexpr char kUninstallPath[] = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall";
+
+/// Says that a pass is over, on every way out of it.
+class PassEnd {
+ public:
+  PassEnd(std::atomic<bool>& running, ORLO::Event& done) : running_(running), done_(done) {}
+  ~PassEnd() {
+    running_ = false;
+    done_.set();
+  }
+  PassEnd(const PassEnd&) = delete;
+  PassEnd& operator=(const PassEnd&) = delete;
+
+ private:
+  std::atomic<bool>& running_;
+  ORLO::Event& done_;
+};
+
+}  // namespace
+
+UninstallReader::UninstallReader(const Services& services)
+    : ActiveFinisher("UninstallReader"),
+      apply_thread_language_(services.apply_thread_language),
+      table_(packageSchema()),
+      source_(services.registry, services.files, services.clock) {
+  Registry& registry = services.registry;
+  registry.open(kLocalMachine, kUninstallPath, kKeyRead, key_local_);
+  if (services.under_wow64) {
+    registry.open(kLocalMachine, kUninstallPath, kKeyRead | kKeyWow64_64, key_local64_);
+  }
+  registry.open(kCurrentUser, kUninstallPath, kKeyRead, key_user_);
+}
+
+UninstallReader::~UninstallReader() {
+  stop();
+}
+
+void UninstallReader::start_pass() {
+  running_ = true;
+  done_event_.reset();
+  resume();
+  start_event_.set();
+}
+
+std::unique_ptr<const Table> UninstallReader::hand_over(Table& current) {
+  const Lock hold(data_lock_);
+  if (!data_changed_.exchange(false)) return nullptr;
+  auto difference = std::make_unique<const Table>(table_, current);
+  if (difference->size() != 0) current.assign(table_);
+  return difference;
+}
+
+void UninstallReader::clear() {
+  const Lock hold(data_lock_);
+  table_.clear_rows();
+}
+
+String UninstallReader::error_text() const {
+  const Lock hold(data_lock_);
+  return error_text_;
+}
+
+int UninstallReader::Run() {
+  apply_thread_language_();
+  while (!stop_requested()) {
+    ORLO::Waitable* items[] = {&start_event_, &finish_signal()};
+    ORLO::wait_any(items, 2, ORLO::kInfinite);
+    if (stop_requested()) break;
+    const PassEnd end(running_, done_event_);
+    String failure;
+    try {
+      pass();
+    } catch (const ORLO::Exception& exception) {
+      failure = exception.what();
+    }
+    const Lock hold(data_lock_);
+    error_text_ = failure;
+  }
+  running_ = false;
+  return 0;
+}
+
+void UninstallReader::pass() {
+  std::set<RowKey> unseen;
+  {
+    const Lock hold(data_lock_);
+    for (const auto& [key, row] : table_.rows)
+      unseen.insert(unseen.end(), key);
+  }
+  // The order is the precedence of the table: a later row with the same key replaces an earlier.
+  read_place(kLocalMachine, key_local_, false, unseen);
+  read_place(kLocalMachine, key_local64_, true, unseen);
+  read_place(kCurrentUser, key_user_, false, unseen);
+  erase_unseen(unseen);
+}
+
+void UninstallReader::read_place(int32_t root, const RegistryKey& key, bool is64BitView,
+                                 std::set<RowKey>& unseen) {
+  if (!key) return;
+  source_.readUninstallKey(root, key, unseen, is64BitView,
+                           [this](const Row& row) { deliver(row); });
+}
+
+void UninstallReader::deliver(const Row& row) {
+  const Lock hold(data_lock_);
+  table_.addRow(row);
+  data_changed_ = true;
+}
+
+void UninstallReader::erase_unseen(const std::set<RowKey>& unseen) {
+  if (unseen.empty()) return;
+  const Lock hold(data_lock_);
+  for (const RowKey& key : unseen)
+    table_.erase(key);
+  data_changed_ = true;
+}

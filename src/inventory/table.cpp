@@ -1,0 +1,225 @@
+#include "inventory/table.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "orlo/exception.h"
+
+namespace {
+
+using ORLO::Lock;
+
+const String& text_at(const Row& row, int32_t index) noexcept {
+  static const String none;
+  const auto position = static_cast<size_t>(index);
+  return position < row.cells.size() ? row.cells[position].text : none;
+}
+
+ColumnIndices indices_of(const Table& table, bool (*wanted)(const Column&)) {
+  ColumnIndices indices;
+  for (const auto& [name, column] : table.columns) {
+    if (wanted(column)) indices.push_back(column.index);
+  }
+  return indices;
+}
+
+ColumnIndices all_columns(const Table& table) {
+  return indices_of(table, [](const Column&) { return true; });
+}
+
+/// Columns of two tables that are compared with each other.
+using ColumnPairs = std::vector<std::pair<int32_t, int32_t>>;
+
+/// In step, to the end of the shorter list, as compareRows walks. For equality the order doesn't
+/// matter, and by position the walk goes through a row's texts as they lie in memory.
+ColumnPairs pair_columns(const ColumnIndices& a, const ColumnIndices& b) {
+  ColumnPairs pairs;
+  for (size_t i = 0; i < std::min(a.size(), b.size()); ++i) pairs.emplace_back(a[i], b[i]);
+  std::sort(pairs.begin(), pairs.end());
+  return pairs;
+}
+
+bool same_bytes(const String& a, const String& b) noexcept {
+  return a.shares_block_with(b) || std::memcmp(a.c_str(), b.c_str(), a.length()) == 0;
+}
+
+/// All lengths first: their loads don't wait for one another, and where they differ no text needs
+/// to be looked at.
+bool equal_rows(const Row& a, const Row& b, const ColumnPairs& pairs) noexcept {
+  size_t different = 0;
+  for (const auto& [index_a, index_b] : pairs) {
+    different |= text_at(a, index_a).length() ^ text_at(b, index_b).length();
+  }
+  return different == 0 && std::all_of(pairs.begin(), pairs.end(), [&](const auto& pair) {
+           return same_bytes(text_at(a, pair.first), text_at(b, pair.second));
+         });
+}
+
+/// One ordered walk over both row maps.
+class DifferenceWalk {
+ public:
+  DifferenceWalk(const Table& result, const Table& first, const Table& second)
+      : first_(first),
+        second_(second),
+        keys_(keyColumns(result)),
+        columns_(pair_columns(all_columns(first), all_columns(second))) {}
+
+  void run(Table::Rows& rows) const {
+    auto a = first_.rows.begin();
+    auto b = second_.rows.begin();
+    while (a != first_.rows.end() || b != second_.rows.end()) {
+      const int order = compare(a, b);
+      if (order > 0) {
+        Row gone;
+        gone.marker = Row::kRemoved;
+        rows.insert_or_assign(rows.end(), b->first, std::move(gone));
+      } else if (order < 0 || !equal_rows(a->second, b->second, columns_)) {
+        rows.insert_or_assign(rows.end(), a->first, a->second);
+      }
+      if (order <= 0) ++a;
+      if (order >= 0) ++b;
+    }
+  }
+
+ private:
+  int compare(Table::Rows::const_iterator a, Table::Rows::const_iterator b) const {
+    if (b == second_.rows.end()) return -1;
+    if (a == first_.rows.end()) return 1;
+    return compareRows(a->second, keys_, b->second, keys_);
+  }
+
+  const Table& first_;
+  const Table& second_;
+  const ColumnIndices keys_;
+  const ColumnPairs columns_;
+};
+
+}  // namespace
+
+void Cell::set_number(int32_t number) {
+  text.printf("%d", number);
+  set_integer(number);
+}
+
+int compare_bytes(const String& a, const String& b) noexcept {
+  if (a.shares_block_with(b)) return 0;
+  const size_t common = std::min(a.length(), b.length());
+  const int order = common != 0 ? std::memcmp(a.c_str(), b.c_str(), common) : 0;
+  if (order != 0) return order < 0 ? -1 : 1;
+  if (a.length() == b.length()) return 0;
+  return a.length() < b.length() ? -1 : 1;
+}
+
+bool RowKey::operator<(const RowKey& other) const noexcept {
+  return std::lexicographical_compare(texts.begin(), texts.end(), other.texts.begin(),
+                                      other.texts.end(), ByteOrder());
+}
+
+bool RowKey::operator==(const RowKey& other) const noexcept {
+  return std::equal(texts.begin(), texts.end(), other.texts.begin(), other.texts.end(),
+                    [](const String& a, const String& b) { return compare_bytes(a, b) == 0; });
+}
+
+Table::Table(const Table& other) {
+  assign(other);
+}
+
+Table::Table(const Table& first, const Table& second) {
+  const Lock hold(lock);
+  const Lock hold_first(first.lock);
+  const Lock hold_second(second.lock);
+  columns = first.columns;
+  keyColumnCount = first.keyColumnCount;
+  for (const auto& [name, column] : second.columns) {
+    if (!columns.contains(name)) addColumn(name, column.type, column.isKey, column.isTracked);
+  }
+  DifferenceWalk(*this, first, second).run(rows);
+}
+
+const Column& Table::addColumn(const String& name, ColumnType type, bool isKey, bool isTracked) {
+  const Lock hold(lock);
+  Column& column = columns[name];
+  column.name = name;
+  column.type = type;
+  column.isKey = isKey;
+  column.isTracked = isTracked;
+  if (column.index == -1) {
+    column.index = static_cast<int32_t>(columns.size()) - 1;
+    if (isKey) ++keyColumnCount;
+  }
+  return column;
+}
+
+const Column& Table::column(const String& name) const {
+  const Lock hold(lock);
+  const auto found = columns.find(name);
+  if (found == columns.end()) throw ORLO::UserException("column not found");
+  return found->second;
+}
+
+RowKey Table::key_of(const Row& row) const {
+  const Lock hold(lock);
+  RowKey key;
+  key.texts.reserve(keyColumnCount);
+  for (const auto& [name, column] : columns) {
+    if (column.isKey) key.texts.push_back(text_at(row, column.index));
+  }
+  return key;
+}
+
+void Table::addRow(const Row& row) {
+  const Lock hold(lock);
+  rows.insert_or_assign(key_of(row), row);
+}
+
+void Table::assign(const Table& other) {
+  if (this == &other) return;
+  const Lock hold(lock);
+  const Lock hold_other(other.lock);
+  columns = other.columns;
+  keyColumnCount = other.keyColumnCount;
+  rows = other.rows;
+}
+
+void Table::erase(const RowKey& key) {
+  const Lock hold(lock);
+  rows.erase(key);
+}
+
+void Table::clear_rows() {
+  const Lock hold(lock);
+  rows.clear();
+}
+
+size_t Table::size() const {
+  const Lock hold(lock);
+  return rows.size();
+}
+
+int compareRows(const Row& rowA, const ColumnIndices& columnsA, const Row& rowB,
+                const ColumnIndices& columnsB) noexcept {
+  const size_t count = std::min(columnsA.size(), columnsB.size());
+  for (size_t i = 0; i < count; ++i) {
+    const int order = compare_bytes(text_at(rowA, columnsA[i]), text_at(rowB, columnsB[i]));
+    if (order != 0) return order;
+  }
+  return 0;
+}
+
+uint32_t changeMask(const Row& newRow, const Row& oldRow, const ColumnIndices& columns) noexcept {
+  uint32_t mask = 0;
+  for (const int32_t index : columns) {
+    if (compare_bytes(text_at(newRow, index), text_at(oldRow, index)) != 0) {
+      mask |= 1U << (static_cast<uint32_t>(index) % 32U);
+    }
+  }
+  return mask;
+}
+
+ColumnIndices keyColumns(const Table& table) {
+  return indices_of(table, [](const Column& column) { return column.isKey; });
+}
+
+ColumnIndices trackedColumns(const Table& table) {
+  return indices_of(table, [](const Column& column) { return column.isTracked; });
+}

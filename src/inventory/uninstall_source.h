@@ -1,0 +1,42 @@
+// The richest source of the inventory: each subkey of an Uninstall key becomes a row.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <set>
+
+#include "inventory/package_schema.h"
+#include "inventory/value_set.h"
+#include "orlo/clock.h"
+#include "platform/files.h"
+#include "platform/registry.h"
+
+/// Runs on the reader thread. Failures are silent: a missing key gives no row, a missing value an
+/// empty text, 0 or -1.
+class UninstallSource {
+ public:
+  /// Takes each row while the source goes on; called on the source's thread.
+  using RowSink = std::function<void(const Row&)>;
+
+  UninstallSource(Registry& registry, Files& files, const ORLO::Clock& clock);
+
+  /// Delivers one row for each subkey of `key`, the opened Uninstall key of `root`
+  /// (kLocalMachine or kCurrentUser), and erases its row key from `unseenKeys`.
+  void readUninstallKey(int32_t root, const RegistryKey& key, std::set<RowKey>& unseenKeys,
+                        bool is64BitView, const RowSink& deliver);
+
+ private:
+  struct Facts;
+
+  void read_subkey(const RegistryKey& subkey, const String& name, Facts& facts, Row& row);
+  /// `known`: whether `info` could be read.
+  String install_date(const Registry::KeyInfo& info, bool known) const;
+  void read_usage_cache(const String& name, Facts& facts, Row& row);
+  bool icon_exists(const String& icon);
+  String installer_path(const Facts& facts, const String& modify);
+
+  Registry& registry_;
+  Files& files_;
+  const ORLO::Clock& clock_;
+  ValueSet values_;
+};

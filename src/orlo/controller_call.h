@@ -1,0 +1,54 @@
+// What a window procedure does around each call into a controller.
+#pragma once
+
+#include <exception>
+
+#include "orlo/controller.h"
+#include "orlo/report.h"
+
+namespace ORLO {
+
+/// One message on its way through a controller. Nested calls form a chain, so that a controller
+/// whose window dies below its own feet is deleted only when its last handler has returned.
+class ControllerCall {
+ public:
+  ControllerCall(Controller& controller, UINT message, WPARAM wparam, LPARAM lparam) noexcept;
+  ~ControllerCall();
+  ControllerCall(const ControllerCall&) = delete;
+  ControllerCall& operator=(const ControllerCall&) = delete;
+
+  /// Unpacks the message and makes the virtual call. `handled` is what a size or paint message
+  /// yields.
+  LRESULT route(LRESULT handled);
+  /// The window goes away: the controller is deleted at the end of the outermost call.
+  void dispose() noexcept;
+
+ private:
+  friend class Controller;
+  Controller* controller_;
+  ControllerCall* const outer_;
+  const Controller::Message message_;
+};
+
+/// Reports on behalf of a window. A failing paint is validated before and after, or it would come
+/// again forever behind the box.
+void report_in_window(const Exception& exception, HWND window, UINT message);
+void report_in_window(const std::exception& exception, HWND window, UINT message);
+
+/// The barrier between handlers and the system: no failure passes, each one is reported. Yields 0
+/// after a failure.
+template <typename Call>
+LRESULT guarded(HWND window, UINT message, const Call& call) noexcept {
+  try {
+    return call();
+  } catch (const Exception& exception) {
+    report_in_window(exception, window, message);
+  } catch (const std::exception& exception) {
+    report_in_window(exception, window, message);
+  } catch (...) {
+    report_in_window(UserException("unknown exception"), window, message);
+  }
+  return 0;
+}
+
+}  // namespace ORLO

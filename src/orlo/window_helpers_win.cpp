@@ -1,0 +1,67 @@
+#include "orlo/window_helpers.h"
+
+#include <algorithm>
+
+namespace ORLO {
+namespace {
+
+/// The nearest window below `window` that could be seen as what it was opened from. Windows of
+/// other programs don't count: the main window is no companion of whatever lies under it.
+HWND next_visible_sibling(HWND window) {
+  const DWORD thread = GetWindowThreadProcessId(window, nullptr);
+  HWND sibling = GetWindow(window, GW_HWNDNEXT);
+  while (sibling != nullptr) {
+    if (GetWindowThreadProcessId(sibling, nullptr) == thread && IsWindowVisible(sibling) &&
+        !IsIconic(sibling)) {
+      return sibling;
+    }
+    sibling = GetWindow(sibling, GW_HWNDNEXT);
+  }
+  return nullptr;
+}
+
+RECT area_to_center_in(HWND window) {
+  RECT area = {};
+  const HWND sibling = next_visible_sibling(window);
+  if (sibling != nullptr) {
+    GetWindowRect(sibling, &area);
+  } else {
+    SystemParametersInfoA(SPI_GETWORKAREA, 0, &area, 0);
+  }
+  return area;
+}
+
+void move_window(HWND window, int left, int top) {
+  SetWindowPos(window, nullptr, left, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+/// The nearest place on [0, room) for something that begins at `start`.
+int moved_in(int start, int extent, int room) {
+  return std::max(0, std::min(start, room - extent));
+}
+
+}  // namespace
+
+void move_to_screen(HWND window) {
+  RECT rect = {};
+  GetWindowRect(window, &rect);
+  const int left = moved_in(rect.left, width(rect), GetSystemMetrics(SM_CXSCREEN));
+  const int top = moved_in(rect.top, height(rect), GetSystemMetrics(SM_CYSCREEN));
+  if (left != rect.left || top != rect.top) move_window(window, left, top);
+}
+
+void center_window(HWND window) {
+  RECT rect = {};
+  GetWindowRect(window, &rect);
+  const RECT area = area_to_center_in(window);
+  move_window(window, area.left + (width(area) - width(rect)) / 2,
+              area.top + (height(area) - height(rect)) / 2);
+  move_to_screen(window);
+}
+
+void replace_menu(HWND window, OwnedMenu menu) {
+  const OwnedMenu old(GetMenu(window));
+  SetMenu(window, menu.release());
+}
+
+}  // namespace ORLO

@@ -1,0 +1,97 @@
+#include "orlo/window_helpers.h"
+
+#include <gtest/gtest.h>
+
+#include "orlo/dialog_test_support.h"
+
+namespace ORLO {
+namespace {
+
+RECT place_of(HWND window) {
+  RECT rect = {};
+  GetWindowRect(window, &rect);
+  return rect;
+}
+
+class WindowHelpersTest : public testing::Test {
+ protected:
+  void move(int left, int top) const {
+    SetWindowPos(dialog.window(), nullptr, left, top, 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+  }
+
+  const int screen_width = GetSystemMetrics(SM_CXSCREEN);
+  const int screen_height = GetSystemMetrics(SM_CYSCREEN);
+  TestTemplate plan{120, 80};
+  const BareDialog dialog{plan};
+};
+
+TEST_F(WindowHelpersTest, MoveToScreenBringsEachEdgeIn) {
+  const RECT rect = place_of(dialog.window());
+  const LONG right = screen_width - width(rect);
+  const LONG bottom = screen_height - height(rect);
+  const struct {
+    const char* what;
+    POINT start;
+    POINT end;
+  } rows[] = {
+      {"inside", {20, 30}, {20, 30}},
+      {"left", {-20, 30}, {0, 30}},
+      {"top", {20, -30}, {20, 0}},
+      {"right", {right + 40, 30}, {right, 30}},
+      {"bottom", {20, bottom + 40}, {20, bottom}},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    move(row.start.x, row.start.y);
+    move_to_screen(dialog.window());
+    EXPECT_EQ(place_of(dialog.window()).left, row.end.x);
+    EXPECT_EQ(place_of(dialog.window()).top, row.end.y);
+  }
+}
+
+TEST_F(WindowHelpersTest, MoveToScreenKeepsTheCornerOfALargerWindowInView) {
+  SetWindowPos(dialog.window(), nullptr, 50, 60, screen_width + 200, screen_height + 200,
+               SWP_NOZORDER | SWP_NOACTIVATE);
+  move_to_screen(dialog.window());
+  EXPECT_EQ(place_of(dialog.window()).left, 0);
+  EXPECT_EQ(place_of(dialog.window()).top, 0);
+}
+
+TEST_F(WindowHelpersTest, CenterWindowUsesTheWorkAreaWithoutASibling) {
+  RECT area = {};
+  SystemParametersInfoA(SPI_GETWORKAREA, 0, &area, 0);
+  move(0, 0);
+  center_window(dialog.window());
+  const RECT rect = place_of(dialog.window());
+  EXPECT_EQ(rect.left, area.left + (width(area) - width(rect)) / 2);
+  EXPECT_EQ(rect.top, area.top + (height(area) - height(rect)) / 2);
+}
+
+TEST_F(WindowHelpersTest, CenterWindowUsesTheVisibleWindowBelow) {
+  TestTemplate base_plan(300, 200, WS_POPUP | WS_VISIBLE);
+  const BareDialog base(base_plan);
+  SetWindowPos(base.window(), HWND_TOP, 200, 150, 0, 0, SWP_NOSIZE);
+  TestTemplate top_plan(100, 50, WS_POPUP | WS_VISIBLE);
+  const BareDialog top(top_plan);
+  SetWindowPos(top.window(), HWND_TOP, 0, 0, 0, 0, SWP_NOSIZE);
+  center_window(top.window());
+  const RECT around = place_of(base.window());
+  const RECT rect = place_of(top.window());
+  EXPECT_EQ(rect.left, around.left + (width(around) - width(rect)) / 2);
+  EXPECT_EQ(rect.top, around.top + (height(around) - height(rect)) / 2);
+}
+
+TEST_F(WindowHelpersTest, ReplacedMenuIsDestroyed) {
+  const HMENU first = CreateMenu();
+  replace_menu(dialog.window(), OwnedMenu(first));
+  EXPECT_EQ(GetMenu(dialog.window()), first);
+  const HMENU second = CreateMenu();
+  replace_menu(dialog.window(), OwnedMenu(second));
+  EXPECT_EQ(GetMenu(dialog.window()), second);
+  EXPECT_FALSE(IsMenu(first));
+  EXPECT_EQ(OwnedMenu::live(), 0);
+}
+
+}  // namespace
+}  // namespace ORLO

@@ -1,0 +1,90 @@
+// The process's entry point: switches, marks of a running process, language, the main dialog.
+#include <clocale>
+#include <memory>
+
+#include "orlo/clock.h"
+#include "orlo/orlowin.h"
+#include "orlo/report.h"
+#include "platform/language.h"
+#include "start/switches.h"
+#include "view/resource_ids.h"
+#include "view/uninstall_dlg.h"
+// These need what orlowin.h brings.
+#include <objbase.h>
+#include <shlobj.h>
+
+namespace {
+
+/// Marks the process, so that an installer can see that the program is running, in this logon or
+/// in any other. The handles stay open until the process ends.
+void mark_process() {
+  SECURITY_DESCRIPTOR everybody = {};
+  InitializeSecurityDescriptor(&everybody, SECURITY_DESCRIPTOR_REVISION);
+  SetSecurityDescriptorDacl(&everybody, TRUE, nullptr, FALSE);
+  SECURITY_ATTRIBUTES attributes = {};
+  attributes.nLength = sizeof attributes;
+  attributes.lpSecurityDescriptor = &everybody;
+  CreateMutexA(&attributes, FALSE, "Quillmere-Zolvane");
+  CreateMutexA(&attributes, FALSE, "Global\\Quillmere-Zolvane");
+}
+
+/// Empty if the shell doesn't tell.
+String local_data_folder() {
+  ITEMIDLIST* items = nullptr;
+  if (FAILED(SHGetSpecialFolderLocation(nullptr, CSIDL_LOCAL_APPDATA, &items))) return String();
+  char path[MAX_PATH] = {};
+  const bool found = SHGetPathFromIDListA(items, path) != FALSE;
+  CoTaskMemFree(items);
+  return found ? String(path) : String();
+}
+
+void init_list_views() {
+  INITCOMMONCONTROLSEX classes = {};
+  classes.dwSize = sizeof classes;
+  classes.dwICC = ICC_LISTVIEW_CLASSES;
+  InitCommonControlsEx(&classes);
+}
+
+int show_main_dialog(HINSTANCE instance, const UninstallPara& para) {
+  const Resources resources(instance, static_cast<uint16_t>(ui_locale_id()));
+  const auto registry = make_system_registry();
+  const auto files = make_system_files();
+  const UninstallReader::Services services{*registry, *files, ORLO::system_clock(), under_wow64(),
+                                           &applyThreadLanguage};
+  ORLO::Dialog::DoModal(instance, resources.dialog(IDD_MAIN), nullptr, [&](HWND window) {
+    return std::make_unique<UninstallDlg>(window, std::make_unique<UninstallDlgPara>(para),
+                                          resources, services);
+  });
+  return 0;
+}
+
+int run(HINSTANCE instance, const Switches& switches) {
+  UninstallPara para;
+  para.langId = thread_language();
+  para.noPersist = switches.noPersist;
+  para.noUpdate = switches.noUpdate;
+  if (!para.noPersist) set_paths(local_data_folder(), para);
+  set_ui_locale(choose_language(switches, para));
+  applyThreadLanguage();
+  std::setlocale(LC_COLLATE, "");
+  CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
+  init_list_views();
+  return show_main_dialog(instance, para);
+}
+
+}  // namespace
+
+int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR command_line, int) {
+  mark_process();
+  const Switches switches = read_switches(command_line);
+  // Such a start cleans up behind a self-update and shows nothing; no update, nothing to clean up.
+  if (switches.postUpdate) return 1;
+  try {
+    return run(instance, switches);
+  } catch (const ORLO::Exception& exception) {
+    ORLO::report_exception(exception, nullptr);
+  } catch (const std::exception& exception) {
+    ORLO::report_std_exception(exception, nullptr);
+  }
+  return 1;
+}

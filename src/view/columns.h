@@ -1,0 +1,32 @@
+// The columns of the main list.
+#pragma once
+
+#include <cstdint>
+
+#include "inventory/entry.h"
+#include "view/list_control.h"
+
+inline constexpr int kListColumns = 31;
+/// The column that the list is sorted by at start, and the one that tells changes.
+inline constexpr int kInstallDateColumn = 6;
+inline constexpr int kChangesColumn = 30;
+
+struct ListColumn {
+  unsigned title;  ///< id in the string table
+  int width;       ///< pixels; 0 hides the column
+  ListControl::Align align;
+  /// The cell's text, for columns that show a field as it is; else null.
+  String UninstallEntry::*text;
+};
+
+/// `index` from 0 to kListColumns - 1.
+const ListColumn& list_column(int index);
+
+/// Texts that cells take from the string table.
+struct CellTexts {
+  String changed;
+  String is_new;
+};
+
+/// Text of a cell; empty for a column that doesn't exist.
+String cell_text(const UninstallEntry& entry, int column, const CellTexts& texts);

@@ -1,0 +1,267 @@
+// The dialogs as the system lays them out: what they hold, and that nothing is cut or covered.
+#include <gtest/gtest.h>
+
+#include <cctype>
+#include <string>
+#include <vector>
+
+#include "orlo/orlowin.h"
+#include "view/resource_ids.h"
+#include "view/resources.h"
+
+namespace {
+
+constexpr uint16_t kEnglish = 2057;
+constexpr uint16_t kGerman = 1031;
+constexpr uint16_t kLanguages[] = {kEnglish, kGerman};
+
+/// A dialog of the program without the program behind it, never shown.
+class LaidOut {
+ public:
+  LaidOut(uint16_t language, unsigned id) {
+    INITCOMMONCONTROLSEX classes = {};
+    classes.dwSize = sizeof classes;
+    classes.dwICC = ICC_LISTVIEW_CLASSES;
+    InitCommonControlsEx(&classes);
+    const Resources resources(GetModuleHandleA(nullptr), language);
+    window_ = CreateDialogIndirectParamA(resources.module(), resources.dialog(id), nullptr,
+                                         &LaidOut::ignore, 0);
+  }
+  ~LaidOut() { DestroyWindow(window_); }
+  LaidOut(const LaidOut&) = delete;
+  LaidOut& operator=(const LaidOut&) = delete;
+
+  HWND window() const { return window_; }
+  HWND control(int id) const { return GetDlgItem(window_, id); }
+  std::vector<HWND> controls() const {
+    std::vector<HWND> found;
+    for (HWND child = GetWindow(window_, GW_CHILD); child != nullptr;
+         child = GetWindow(child, GW_HWNDNEXT)) {
+      found.push_back(child);
+    }
+    return found;
+  }
+  /// In client coordinates.
+  RECT place_of(HWND child) const {
+    RECT rect = {};
+    GetWindowRect(child, &rect);
+    MapWindowPoints(nullptr, window_, reinterpret_cast<POINT*>(&rect), 2);
+    return rect;
+  }
+
+ private:
+  static INT_PTR CALLBACK ignore(HWND, UINT, WPARAM, LPARAM) { return 0; }
+  HWND window_ = nullptr;
+};
+
+std::string text_of(HWND window) {
+  char text[300] = {};
+  GetWindowTextA(window, text, sizeof text);
+  return text;
+}
+
+std::string class_of(HWND window) {
+  char name[64] = {};
+  GetClassNameA(window, name, sizeof name);
+  return name;
+}
+
+LONG_PTR style_of(HWND window) {
+  return GetWindowLongPtrA(window, GWL_STYLE);
+}
+bool made_visible(HWND window) {
+  return (style_of(window) & WS_VISIBLE) != 0;
+}
+
+/// Pixels, without the mnemonic's mark.
+SIZE extent_of(HWND window, const std::string& text) {
+  std::string shown;
+  for (const char c : text) {
+    if (c != '&') shown += c;
+  }
+  const HDC context = GetDC(window);
+  const HGDIOBJ old =
+      SelectObject(context, reinterpret_cast<HFONT>(SendMessageA(window, WM_GETFONT, 0, 0)));
+  SIZE extent = {};
+  GetTextExtentPoint32A(context, shown.c_str(), static_cast<int>(shown.size()), &extent);
+  SelectObject(context, old);
+  ReleaseDC(window, context);
+  return extent;
+}
+
+constexpr int kCheckBoxWidth = 17;
+constexpr int kFlatButtonEdges = 4;
+
+int room_for_text(const LaidOut& dialog, HWND control) {
+  const int whole = ORLO::width(dialog.place_of(control));
+  if (class_of(control) != "Button") return whole;
+  const bool is_check_box = (style_of(control) & BS_TYPEMASK) == BS_AUTOCHECKBOX;
+  return whole - (is_check_box ? kCheckBoxWidth : kFlatButtonEdges);
+}
+
+struct Expected {
+  int id;
+  const char* window_class;
+  LONG_PTR style;
+  const char* english;
+  const char* german;
+};
+
+// In the order of the tabs.
+constexpr Expected kMainControls[] = {
+    {1014, "Static", SS_LEFT, "Search &Filter:", "Such&filter:"},
+    {1026, "Edit", WS_TABSTOP, "", ""},
+    {1028, "Button", BS_AUTOCHECKBOX | WS_TABSTOP, "&MS", "&MS"},
+    {1015, "Static", SS_LEFT, "&Typ:", "&Typ:"},
+    {1016, "ComboBox", CBS_DROPDOWNLIST | WS_TABSTOP, "", ""},
+    {1017, "Static", SS_LEFT, "Group by:", "Gruppierung:"},
+    {1040, "ComboBox", CBS_DROPDOWNLIST | WS_TABSTOP, "", ""},
+    {1001, "SysListView32", LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | WS_TABSTOP, "", ""},
+    {1009, "Static", SS_LEFT, "&Program Name:", "&Programmname:"},
+    {1002, "Edit", ES_READONLY, "", ""},
+    {1031, "Static", SS_LEFT, "0 / 0 packages", "0 / 0 Pakete"},
+    {1007, "Button", BS_OWNERDRAW | WS_TABSTOP, "&Refresh", "&Aktualisieren"},
+    {1011, "Static", SS_LEFT, "&Icon:", "&Icon:"},
+    {1004, "Edit", ES_READONLY, "", ""},
+    {1019, "Static", SS_ICON, "", ""},
+    {1010, "Static", SS_LEFT, "&Version:", "&Version:"},
+    {1003, "Edit", ES_READONLY, "", ""},
+    {1013, "Static", SS_LEFT, "Date:", "Datum:"},
+    {1005, "Edit", ES_READONLY, "", ""},
+    {1021, "Button", BS_OWNERDRAW | WS_DISABLED, "&Modify...", "&\344ndere..."},
+    {2010, "Button", BS_OWNERDRAW | WS_DISABLED, "&repair...", "&repariere..."},
+    {1018, "Button", BS_OWNERDRAW | WS_DISABLED, "&Uninstall...", "&deinstalliere..."},
+    {1012, "Static", SS_LEFT, "Uninstall-Cmd.:", "Uninstall-Befehl:"},
+    {1006, "Edit", ES_READONLY, "", ""},
+};
+
+TEST(MainDialogTemplate, HoldsItsControlsInTheOrderOfTheTabs) {
+  for (const uint16_t language : kLanguages) {
+    const LaidOut dialog(language, IDD_MAIN);
+    const std::vector<HWND> controls = dialog.controls();
+    ASSERT_EQ(controls.size(), std::size(kMainControls));
+    for (size_t i = 0; i < controls.size(); ++i) {
+      const Expected& expected = kMainControls[i];
+      SCOPED_TRACE(expected.id);
+      EXPECT_EQ(GetDlgCtrlID(controls[i]), expected.id);
+      EXPECT_EQ(class_of(controls[i]), expected.window_class);
+      EXPECT_EQ(style_of(controls[i]) & expected.style, expected.style);
+      EXPECT_EQ(text_of(controls[i]), language == kEnglish ? expected.english : expected.german);
+      EXPECT_EQ(made_visible(controls[i]), expected.id != 1017 && expected.id != 1040);
+    }
+  }
+}
+
+TEST(MainDialogTemplate, HasItsFrameFontMenuAndSize) {
+  for (const uint16_t language : kLanguages) {
+    SCOPED_TRACE(language);
+    const LaidOut dialog(language, IDD_MAIN);
+    const LONG_PTR frame =
+        WS_CAPTION | WS_SYSMENU | WS_THICKFRAME | WS_MINIMIZEBOX | WS_MAXIMIZEBOX;
+    EXPECT_EQ(style_of(dialog.window()) & frame, frame);
+    EXPECT_EQ(text_of(dialog.window()), "Zolvane");
+    EXPECT_NE(GetMenu(dialog.window()), nullptr);
+    LOGFONTA font = {};
+    GetObjectA(reinterpret_cast<HFONT>(SendMessageA(dialog.window(), WM_GETFONT, 0, 0)),
+               sizeof font, &font);
+    EXPECT_STREQ(font.lfFaceName, "MS Sans Serif");
+    RECT units = {0, 0, 360, 153};
+    MapDialogRect(dialog.window(), &units);
+    RECT client = {};
+    GetClientRect(dialog.window(), &client);
+    EXPECT_EQ(client.right, units.right);
+    EXPECT_EQ(client.bottom, units.bottom);
+  }
+}
+
+class EveryDialog : public testing::TestWithParam<std::pair<uint16_t, unsigned>> {
+ protected:
+  const LaidOut dialog{GetParam().first, GetParam().second};
+};
+
+TEST_P(EveryDialog, GivesEachTextAFifthMoreThanItNeeds) {
+  int texts = 0;
+  for (const HWND control : dialog.controls()) {
+    const std::string text = text_of(control);
+    if (text.empty()) continue;
+    SCOPED_TRACE(text);
+    ++texts;
+    const SIZE extent = extent_of(control, text);
+    EXPECT_GE(room_for_text(dialog, control) * 10, extent.cx * 12);
+    EXPECT_GE(ORLO::height(dialog.place_of(control)), extent.cy);
+  }
+  EXPECT_GT(texts, 0);
+}
+
+TEST_P(EveryDialog, KeepsItsControlsInsideAndApart) {
+  RECT client = {};
+  GetClientRect(dialog.window(), &client);
+  std::vector<HWND> shown;
+  for (const HWND control : dialog.controls()) {
+    if (made_visible(control)) shown.push_back(control);
+  }
+  for (size_t i = 0; i < shown.size(); ++i) {
+    SCOPED_TRACE(GetDlgCtrlID(shown[i]));
+    const RECT place = dialog.place_of(shown[i]);
+    RECT common = {};
+    IntersectRect(&common, &place, &client);
+    EXPECT_TRUE(EqualRect(&common, &place));
+    for (size_t j = i + 1; j < shown.size(); ++j) {
+      const RECT other = dialog.place_of(shown[j]);
+      EXPECT_FALSE(IntersectRect(&common, &place, &other)) << GetDlgCtrlID(shown[j]);
+    }
+  }
+}
+
+TEST_P(EveryDialog, GivesNoMnemonicTwice) {
+  std::string seen;
+  for (const HWND control : dialog.controls()) {
+    const std::string text = text_of(control);
+    const size_t mark = text.find('&');
+    if (mark == std::string::npos || !made_visible(control)) continue;
+    const auto key = static_cast<char>(std::tolower(static_cast<unsigned char>(text[mark + 1])));
+    // "Modify" shares its key with the check box, and "repair" with "Refresh"; the texts are
+    // fixed, and a disabled button leaves the key to the other.
+    if (GetDlgCtrlID(control) == 1021 || GetDlgCtrlID(control) == 2010) continue;
+    EXPECT_EQ(seen.find(key), std::string::npos) << text;
+    seen += key;
+  }
+}
+
+std::string name_of(const testing::TestParamInfo<std::pair<uint16_t, unsigned>>& info) {
+  return (info.param.first == kEnglish ? "English" : "German") + std::to_string(info.param.second);
+}
+
+INSTANTIATE_TEST_SUITE_P(Resources, EveryDialog,
+                         testing::Values(std::pair{kEnglish, 100u}, std::pair{kGerman, 100u},
+                                         std::pair{kEnglish, 102u}, std::pair{kGerman, 102u},
+                                         std::pair{kEnglish, 164u}, std::pair{kGerman, 164u}),
+                         name_of);
+
+TEST(AboutTemplate, HasItsTitleAndLinks) {
+  const LaidOut english(kEnglish, IDD_ABOUT);
+  const LaidOut german(kGerman, IDD_ABOUT);
+  EXPECT_EQ(text_of(english.window()), "Info about Zolvane");
+  EXPECT_EQ(text_of(german.window()), "Info \374ber Zolvane");
+  for (const LaidOut* dialog : {&english, &german}) {
+    // A link has to get its clicks.
+    EXPECT_TRUE(style_of(dialog->control(IDC_ABOUT_HOME_PAGE)) & SS_NOTIFY);
+    EXPECT_TRUE(style_of(dialog->control(IDC_ABOUT_MAIL)) & SS_NOTIFY);
+    EXPECT_EQ(style_of(dialog->control(IDOK)) & BS_TYPEMASK, BS_OWNERDRAW);
+  }
+}
+
+TEST(LegendTemplate, HasItsTitleAndTheSameButtonTextInBothLanguages) {
+  const LaidOut english(kEnglish, IDD_LEGEND);
+  const LaidOut german(kGerman, IDD_LEGEND);
+  EXPECT_EQ(text_of(english.window()), "Color Legend");
+  EXPECT_EQ(text_of(german.window()), "Farblegende");
+  for (const LaidOut* dialog : {&english, &german}) {
+    EXPECT_EQ(text_of(dialog->control(IDOK)), "Schlie\337en");
+    EXPECT_EQ(style_of(dialog->control(IDOK)) & BS_TYPEMASK, BS_OWNERDRAW);
+    EXPECT_EQ(class_of(dialog->control(IDC_LEGEND_LIST)), "SysListView32");
+    EXPECT_TRUE(style_of(dialog->window()) & WS_THICKFRAME);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,54 @@
+"""The pieces that the tests stand on: a screen, a template prefix, desks with seeded prefixes."""
+
+import contextlib
+import os
+from pathlib import Path
+
+import pytest
+
+from support import registry
+from support.driver import Driver
+from support.prefix import Prefix, make_template
+from support.program import Desk
+from support.screen import Screen
+
+ROOT = Path(__file__).resolve().parents[2]
+BINARIES = Path(os.environ.get("ZOLVANE_BINARIES", ROOT / "build/win32"))
+SCREENSHOTS = ROOT / "build/screenshots"
+
+ENGLISH, GERMAN = "en_GB.UTF-8", "de_DE.UTF-8"
+
+
+@pytest.fixture(scope="session")
+def screen():
+    with contextlib.closing(Screen()) as made:
+        yield made
+
+
+@pytest.fixture(scope="session")
+def template(screen):
+    return make_template(ROOT / "build/e2e", screen.env)
+
+
+@pytest.fixture(scope="session", autouse=True)
+def binaries():
+    for name in ("zolvane.exe", "zolvane-driver.exe", "zolvane-probe.dll"):
+        assert (BINARIES / name).exists(), f"{BINARIES / name} isn't built"
+
+
+@pytest.fixture(scope="session")
+def make_desk(screen, template):
+    """A context manager: make_desk(keys, usages, files, lc_all) gives a Desk and clears it away."""
+    @contextlib.contextmanager
+    def make(keys=(), usages=None, files=(), lc_all=ENGLISH):
+        with contextlib.ExitStack() as stack:
+            prefix = stack.enter_context(contextlib.closing(
+                Prefix(template, screen.env, lc_all)))
+            for file in files:
+                prefix.make_file(file)
+            if keys or usages:
+                prefix.import_registry(registry.reg_text(keys, usages))
+            driver = stack.enter_context(contextlib.closing(
+                Driver(BINARIES / "zolvane-driver.exe", prefix.env)))
+            yield Desk(screen, prefix, driver, BINARIES / "zolvane.exe")
+    return make

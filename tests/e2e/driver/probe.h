@@ -1,0 +1,27 @@
+// What the driver and the probe agree on. The probe is a DLL that the driver has a program load:
+// menus and fonts can only be read from inside the process that owns them.
+#pragma once
+
+#include <cstdint>
+
+namespace driver {
+
+inline constexpr char kProbeFile[] = "zolvane-probe.dll";
+/// The exported function, a thread's start routine; its argument is a ProbeRequest in the program.
+inline constexpr char kProbeEntry[] = "zolvane_probe";
+
+enum class ProbeQuestion : uint32_t { menu, system_menu, text_extents, dialog_units, combo };
+
+struct ProbeRequest {
+  ProbeQuestion question;
+  uint32_t window;
+  /// What else the question needs: two lengths, or a control's id in the first.
+  int32_t first;
+  int32_t second;
+  /// Set by the probe: the answer fitted.
+  uint32_t answered;
+  /// JSON with its NUL.
+  char answer[128 * 1024];
+};
+
+}  // namespace driver

@@ -1,0 +1,98 @@
+"""Wine prefixes: one made once as a template, and a copy for each test that wants one."""
+
+import fcntl
+import os
+import shutil
+import subprocess
+import tempfile
+from pathlib import Path
+
+# Folders of the template that nothing writes into: a copy shares their files.
+SHARED = ("windows/system32", "windows/syswow64", "windows/winsxs")
+
+
+def wine_env(base, folder, lc_all):
+    """The environment of all programs in a prefix. winemenubuilder would write into the user's
+    menus; without wbemprox a fresh prefix has no hotfix of its own to tell of."""
+    return dict(base, WINEPREFIX=str(folder), WINEDEBUG="-all", LC_ALL=lc_all, TZ="Europe/Berlin",
+                WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe,wbemprox=d",
+                HOME=str(folder.parent))
+
+
+def wait_for_server(env, *flags):
+    subprocess.run(["wineserver", *flags], env=env, stdin=subprocess.DEVNULL,
+                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=120)
+
+
+def make_template(build, base_env):
+    """The template's folder below `build`, made anew when Wine's version has changed."""
+    build.mkdir(parents=True, exist_ok=True)
+    version = subprocess.run(["wine", "--version"], stdout=subprocess.PIPE, check=True,
+                             timeout=60).stdout.decode().strip()
+    template = build / "template"
+    stamp = build / "template.version"
+    with open(build / "template.lock", "w") as lock:
+        fcntl.flock(lock, fcntl.LOCK_EX)
+        if not (stamp.exists() and stamp.read_text() == version and template.exists()):
+            shutil.rmtree(template, ignore_errors=True)
+            env = wine_env(base_env, template, "en_GB.UTF-8")
+            subprocess.run(["wineboot", "--init"], env=env, check=True, timeout=300,
+                           stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                           stderr=subprocess.DEVNULL)
+            wait_for_server(env, "-w")
+            stamp.write_text(version)
+    return template
+
+
+class Prefix:
+    def __init__(self, template, base_env, lc_all):
+        self._home = Path(tempfile.mkdtemp(prefix="run-", dir=template.parent))
+        self.folder = self._home / "prefix"
+        self.env = wine_env(base_env, self.folder, lc_all)
+        shared = tuple(f"{template / 'drive_c' / name}{os.sep}" for name in SHARED)
+
+        def copy(source, target):
+            if source.startswith(shared):
+                os.link(source, target)
+            else:
+                shutil.copy2(source, target)
+
+        shutil.copytree(template, self.folder, symlinks=True, copy_function=copy)
+
+    def close(self):
+        wait_for_server(self.env, "-k")
+        wait_for_server(self.env, "-w")
+        shutil.rmtree(self._home)
+
+    def import_registry(self, text):
+        """Imports the text of a .reg file, its keys named as in the 64-bit view."""
+        file = self._home / "seed.reg"
+        file.write_bytes(text.encode("utf-16"))
+        subprocess.run(["wine", "reg", "import", str(file), "/reg:64"], env=self.env, check=True,
+                       timeout=120, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                       stderr=subprocess.DEVNULL)
+
+    def host_path(self, path):
+        """Where a path of drive C, as a 32-bit program names it, lies for us; letters in any case.
+        None if it isn't there."""
+        drive, *names = path.split("\\")
+        if drive.lower() != "c:":
+            return None
+        here = self.folder / "drive_c"
+        if [name.lower() for name in names[:2]] == ["windows", "system32"]:
+            names[1] = "syswow64"
+        for name in names:
+            found = [entry for entry in os.listdir(here) if entry.lower() == name.lower()] \
+                if here.is_dir() else []
+            if not found:
+                return None
+            here = here / found[0]
+        return here
+
+    def make_file(self, path, content=b""):
+        """A file at a path of drive C, with the folders above it."""
+        drive, *names = path.split("\\")
+        assert drive == "C:"
+        file = self.folder.joinpath("drive_c", *names)
+        file.parent.mkdir(parents=True, exist_ok=True)
+        file.write_bytes(content)

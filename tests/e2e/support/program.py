@@ -1,0 +1,128 @@
+"""The program under test: started, asked and operated from outside."""
+
+import time
+
+from .driver import DriverError
+
+WINDOW_LIMIT = 60
+WINDOW_CLASS = "#32770"
+TITLE = "Zolvane"
+
+LIST = 1001
+STATUS = 1031
+REFRESH = 1007
+
+
+def eventually(condition, what, limit=30):
+    """Asks until the condition gives something true, and returns that."""
+    end = time.monotonic() + limit
+    while True:
+        result = condition()
+        if result:
+            return result
+        if time.monotonic() > end:
+            raise AssertionError(f"not within {limit} s: {what}")
+        # Between two looks at the condition; the wait's end is the condition.
+        time.sleep(0.02)
+
+
+class Program:
+    def __init__(self, driver, screen, pid):
+        self._driver = driver
+        self._screen = screen
+        self.pid = pid
+        self.handle = driver("wait-window", pid, WINDOW_CLASS, TITLE, WINDOW_LIMIT * 1000)["handle"]
+
+    def ask(self, command, *arguments):
+        """A command of the driver about this window."""
+        return self._driver(command, self.handle, *arguments)
+
+    def window(self):
+        return self.ask("window")
+
+    def control(self, control_id):
+        return self.ask("control", control_id)
+
+    def controls(self):
+        return {control["id"]: control for control in self.ask("controls")}
+
+    def status(self):
+        return self.ask("text", STATUS)
+
+    def rows(self):
+        """The texts of every row, from the top."""
+        return [row["cells"] for row in self.ask("list-rows", LIST)]
+
+    def columns(self):
+        return self.ask("list-columns", LIST)
+
+    def wait_for_status(self, text):
+        eventually(lambda: self.status() == text, f"status line {text!r}")
+
+    def wait_filled(self, count):
+        """Until a refresh cycle has ended with this many rows."""
+        self.wait_for_status(f"{count} / {count} packages")
+
+    def activate(self):
+        """Waits until the window manager has given the window the focus."""
+        eventually(lambda: self.window()["foreground"], "the window is active")
+
+    def press_key(self, key):
+        self.activate()
+        self._screen.press_key(key)
+
+    def click(self, control_id):
+        left, top, right, bottom = self.control(control_id)["screen"]
+        self.activate()
+        self._screen.click((left + right) // 2, (top + bottom) // 2)
+
+    def close(self):
+        self.ask("post", 0x0010, 0, 0)  # WM_CLOSE
+        return self.exit_code()
+
+    def exit_code(self, limit=30):
+        return self._driver("wait-exit", self.pid, limit * 1000)
+
+    def is_running(self):
+        return self._driver("running", self.pid)
+
+    def picture(self, save_to=None):
+        """The screen without the mouse on the window, once two looks at it are alike."""
+        self._screen.move_mouse(0, 0)
+        pictures = [self._screen.picture()]
+
+        def is_still():
+            pictures.append(self._screen.picture())
+            return pictures[-1] == pictures[-2]
+
+        eventually(is_still, "the window has finished drawing")
+        if save_to is not None:
+            pictures[-1].save(save_to)
+        return pictures[-1]
+
+
+class Desk:
+    """One prefix on the screen with one driver in it."""
+
+    def __init__(self, screen, prefix, driver, program_path):
+        self.screen = screen
+        self.prefix = prefix
+        self.driver = driver
+        self._command = '"Z:' + str(program_path).replace("/", "\\") + '"'
+
+    def start(self, *switches):
+        """Starts the program without waiting for its window; its process id."""
+        return self.driver("start", " ".join([self._command, *switches]))
+
+    def open(self, *switches):
+        """Starts the program and waits for its window."""
+        return Program(self.driver, self.screen, self.start(*switches))
+
+    def windows_of(self, pid):
+        return [window for window in self.driver("windows", pid) if window["visible"]]
+
+    def has_mutex(self, name):
+        return self.driver("mutex", name)
+
+
+__all__ = ["Desk", "DriverError", "Program", "eventually"]
