@@ -6,10 +6,11 @@ set -euo pipefail
 
 readonly purpose=${1:-all}
 
-readonly build_packages=(cmake ninja-build g++-mingw-w64-i686-posix)
+# googletest: its sources are part of every configuration, also where no test is built.
+readonly build_packages=(cmake ninja-build g++-mingw-w64-i686-posix googletest)
 readonly wine_packages=(wine wine32:i386 wine64 fonts-wine)
 readonly screen_packages=(xvfb openbox xdotool imagemagick x11-utils python3)
-readonly run_packages=(googletest locales tzdata)
+readonly run_packages=(locales tzdata)
 readonly test_packages=(
   clang g++ g++-mingw-w64-x86-64-posix libbenchmark-dev libclang-rt-14-dev libgmock-dev libgtest-dev
   python3-pytest)
@@ -77,7 +78,7 @@ PINS
 install_wine() {
   [ -n "$(missing "${wine_packages[@]}")" ] || return 0
   echo "setup: installing Wine with its 32-bit half"
-  if ! dpkg --print-foreign-architectures | grep -qx i386; then
+  if ! dpkg --print-foreign-architectures | grep -x i386 >/dev/null; then
     as_root dpkg --add-architecture i386
     refreshed=no
   fi

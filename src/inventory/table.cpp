@@ -28,31 +28,63 @@ ColumnIndices all_columns(const Table& table) {
 }
 
 /// Columns of two tables that are compared with each other.
-using ColumnPairs = std::vector<std::pair<int32_t, int32_t>>;
+struct ColumnPairs {
+  std::vector<std::pair<int32_t, int32_t>> pairs;
+  size_t cells = 0;  ///< a row with as many has all of them
+};
 
 /// In step, to the end of the shorter list, as compareRows walks. For equality the order doesn't
 /// matter, and by position the walk goes through a row's texts as they lie in memory.
 ColumnPairs pair_columns(const ColumnIndices& a, const ColumnIndices& b) {
-  ColumnPairs pairs;
-  for (size_t i = 0; i < std::min(a.size(), b.size()); ++i) pairs.emplace_back(a[i], b[i]);
-  std::sort(pairs.begin(), pairs.end());
-  return pairs;
-}
-
-bool same_bytes(const String& a, const String& b) noexcept {
-  return a.shares_block_with(b) || std::memcmp(a.c_str(), b.c_str(), a.length()) == 0;
-}
-
-/// All lengths first: their loads don't wait for one another, and where they differ no text needs
-/// to be looked at.
-bool equal_rows(const Row& a, const Row& b, const ColumnPairs& pairs) noexcept {
-  size_t different = 0;
-  for (const auto& [index_a, index_b] : pairs) {
-    different |= text_at(a, index_a).length() ^ text_at(b, index_b).length();
+  ColumnPairs columns;
+  for (size_t i = 0; i < std::min(a.size(), b.size()); ++i) {
+    columns.pairs.emplace_back(a[i], b[i]);
+    columns.cells = std::max(columns.cells, static_cast<size_t>(std::max(a[i], b[i])) + 1);
   }
-  return different == 0 && std::all_of(pairs.begin(), pairs.end(), [&](const auto& pair) {
-           return same_bytes(text_at(a, pair.first), text_at(b, pair.second));
+  std::sort(columns.pairs.begin(), columns.pairs.end());
+  return columns;
+}
+
+bool same_text(const String& a, const String& b) noexcept {
+  return a.shares_block_with(b) ||
+         (a.length() == b.length() && std::memcmp(a.c_str(), b.c_str(), a.length()) == 0);
+}
+
+/// Texts that share a block first: mostly that is all of them, and no text needs to be looked at.
+bool equal_cells(const Cell* a, const Cell* b, const ColumnPairs& columns) noexcept {
+  const auto& pairs = columns.pairs;
+  bool all_shared = true;
+  for (const auto& [index_a, index_b] : pairs) {
+    all_shared &= a[index_a].text.shares_block_with(b[index_b].text);
+  }
+  return all_shared || std::all_of(pairs.begin(), pairs.end(), [&](const auto& pair) {
+           return same_text(a[pair.first].text, b[pair.second].text);
          });
+}
+
+bool equal_rows(const Row& a, const Row& b, const ColumnPairs& columns) noexcept {
+  if (a.cells.size() >= columns.cells && b.cells.size() >= columns.cells) {
+    return equal_cells(a.cells.data(), b.cells.data(), columns);
+  }
+  return std::all_of(columns.pairs.begin(), columns.pairs.end(), [&](const auto& pair) {
+    return same_text(text_at(a, pair.first), text_at(b, pair.second));
+  });
+}
+
+/// Texts that stay the same keep their blocks, which the other tables share: a row that is read
+/// again and again without change costs no memory, and its next comparison no look at its texts.
+void replace_row(Row& stored, const Row& row) {
+  stored.marker = row.marker;
+  if (stored.cells.size() != row.cells.size()) {
+    stored.cells = row.cells;
+    return;
+  }
+  for (size_t i = 0; i < row.cells.size(); ++i) {
+    Cell& cell = stored.cells[i];
+    const String& text = row.cells[i].text;
+    if (!same_text(cell.text, text)) cell.text = text;
+    cell.value = row.cells[i].value;
+  }
 }
 
 /// One ordered walk over both row maps.
@@ -169,7 +201,8 @@ RowKey Table::key_of(const Row& row) const {
 
 void Table::addRow(const Row& row) {
   const Lock hold(lock);
-  rows.insert_or_assign(key_of(row), row);
+  const auto [stored, added] = rows.try_emplace(key_of(row), row);
+  if (!added) replace_row(stored->second, row);
 }
 
 void Table::assign(const Table& other) {

@@ -92,6 +92,20 @@ TEST(Table, RowsWithoutKeyCellsShareOneKey) {
   EXPECT_STREQ(cell(table.rows.begin()->second, PackageColumn::name).text.c_str(), "KB2");
 }
 
+TEST(Table, RowThatIsReadAgainKeepsTheTextsThatItSharesWithOtherTables) {
+  Table table = small_schema();
+  table.addRow(row_of("a", "1"));
+  const Table copy(table);
+  Row again = row_of("a", "1");
+  again.cells[1].set_integer(7);
+  table.addRow(again);
+  const Row& stored = table.rows.begin()->second;
+  EXPECT_TRUE(stored.cells[1].text.shares_block_with(copy.rows.begin()->second.cells[1].text));
+  EXPECT_EQ(stored.cells[1].integer(), 7);
+  table.addRow(row_of("a", "2"));
+  EXPECT_STREQ(copy.rows.begin()->second.cells[1].text.c_str(), "1");
+}
+
 TEST(Table, TakesOverTheMarkerOfARow) {
   Table table = small_schema();
   Row row = row_of("a", "1");

@@ -29,8 +29,6 @@ constexpr std::string_view kDigits =
     "0\xbc\xbd\xbe"
     "123456789";
 constexpr uint8_t kFirstSymbol = 40;
-constexpr auto kFirstDigit = static_cast<uint8_t>(kFirstSymbol + kSymbols.size());
-constexpr auto kFirstLetter = static_cast<uint8_t>(kFirstDigit + kDigits.size());
 
 enum Accent : uint8_t { none, raised, acute, grave, circumflex, umlaut, tilde, ring, caron, other };
 

@@ -360,6 +360,101 @@ TEST(DlgController, KeysOfADialogAreNotOfferedToItsOwner) {
   EXPECT_TRUE(offered_to_owner.empty());
 }
 
+/// Takes a WM_QUIT off the queue; true if there was one.
+bool quit_was_posted() {
+  MSG message = {};
+  while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+    if (message.message == WM_QUIT) return true;
+  }
+  return false;
+}
+
+TEST(Dialog, QuitDuringAWaitEndsTheDialogAndReachesTheLoopAround) {
+  bool slept = true;
+  run_script([&](DlgController&) {
+    PostQuitMessage(0);
+    slept = sleep_with_messages(20000);
+  });
+  EXPECT_FALSE(slept);
+  EXPECT_TRUE(quit_was_posted());
+}
+
+TEST(Dialog, QuitEndsADialogThatWasOpenedDuringAWait) {
+  bool outer_slept = true;
+  bool inner_slept = true;
+  run_script([&, started = false](DlgController& outer) mutable {
+    if (started) {
+      run_script([&](DlgController&) {
+        PostQuitMessage(0);
+        inner_slept = sleep_with_messages(20000);
+      });
+      return;
+    }
+    started = true;
+    PostMessageA(outer.window(), kAct, 0, 0);
+    outer_slept = sleep_with_messages(20000);
+  });
+  EXPECT_FALSE(inner_slept);
+  EXPECT_FALSE(outer_slept);
+  EXPECT_TRUE(quit_was_posted());
+}
+
+TEST(ResizeController, TellsItsSmallestSizeAndItsClientSpace) {
+  MINMAXINFO limits = {};
+  RECT space = {};
+  RECT client = {};
+  RECT frame = {};
+  struct Sized : ScriptedDlg {
+    Sized(HWND window, Script script) : ScriptedDlg(window, std::move(script)) {
+      resizer.init(window);
+    }
+  };
+  run_modal([&](HWND window) {
+    return std::make_unique<Sized>(window, [&](DlgController& dialog) {
+      GetWindowRect(dialog.window(), &frame);
+      GetClientRect(dialog.window(), &client);
+      SendMessageA(dialog.window(), WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&limits));
+      SendMessageA(dialog.window(), kMsgClientSpace, 0, reinterpret_cast<LPARAM>(&space));
+      dialog.EndDialog(1);
+    });
+  });
+  EXPECT_EQ(limits.ptMinTrackSize.x, width(frame));
+  EXPECT_EQ(limits.ptMinTrackSize.y, height(frame));
+  EXPECT_TRUE(EqualRect(&space, &client));
+}
+
+TEST(CtlColorController, TakesTheBrushFromTheControl) {
+  struct Coloured : SubclassController {
+    using SubclassController::SubclassController;
+    LRESULT WndProc(UINT message, WPARAM wparam, LPARAM lparam) override {
+      if (message != kMsgCtlColor) return SubclassController::WndProc(message, wparam, lparam);
+      return reinterpret_cast<LRESULT>(GetStockObject(NULL_BRUSH));
+    }
+  };
+  struct ColouredDlg : CtlColorController<ScriptedDlg> {
+    using CtlColorController<ScriptedDlg>::CtlColorController;
+  };
+  LRESULT own = 0;
+  LRESULT other = 0;
+  run_modal([&](HWND window) {
+    return std::make_unique<ColouredDlg>(window, [&](DlgController& dialog) {
+      const HWND edit = GetDlgItem(dialog.window(), kEditId);
+      const HWND button = GetDlgItem(dialog.window(), kButtonId);
+      const HDC context = GetDC(edit);
+      const Coloured controller(edit);
+      own = SendMessageA(dialog.window(), WM_CTLCOLOREDIT, reinterpret_cast<WPARAM>(context),
+                         reinterpret_cast<LPARAM>(edit));
+      other = SendMessageA(dialog.window(), WM_CTLCOLORBTN, reinterpret_cast<WPARAM>(context),
+                           reinterpret_cast<LPARAM>(button));
+      ReleaseDC(edit, context);
+      dialog.EndDialog(1);
+    });
+  });
+  EXPECT_EQ(own, reinterpret_cast<LRESULT>(GetStockObject(NULL_BRUSH)));
+  EXPECT_NE(other, own);
+  EXPECT_NE(other, 0);
+}
+
 TEST(WaitCursor, NestsAndGivesTheOuterOneBack) {
   ThreadRecord& record = current_thread_record();
   ASSERT_EQ(record.cursor, nullptr);

@@ -1,8 +1,7 @@
 // The parameters of a dialog: what its controls are loaded from and stored to.
 #pragma once
 
-// The platform's window type, named here so that parameters need no window header.
-struct HWND__;
+#include "orlo/orlowin.h"
 
 namespace ORLO {
 
@@ -10,7 +9,7 @@ class DlgController;
 
 struct ParaStruct {
   /// The dialog being served, set before each update.
-  HWND__* hwnd = nullptr;
+  HWND hwnd = nullptr;
   /// True while the controls are read into the parameters, false while they are written.
   bool partial = false;
   DlgController* dialog = nullptr;

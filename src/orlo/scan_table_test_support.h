@@ -1,4 +1,5 @@
-// Texts and patterns that both the scanner and the runtime's sscanf are tried on.
+// Texts and patterns that both the scanner and the runtime's sscanf are tried on. Texts that end
+// before the first field are missing: their result of -1 is checked for the scanner alone.
 #pragma once
 
 namespace ORLO {
@@ -10,7 +11,7 @@ inline constexpr const char* kNumberPatterns[] = {"%d.%d.%d",  "%4d%2d%2d", "%d-
 inline constexpr const char* kTextPatterns[] = {"%3s %5s", "%3s%6s", "%2s:%2s", " %5s", "%6s-%1s"};
 
 inline constexpr const char* kScanTexts[] = {
-    "x",
+
     "5",
     "+5",
     "-5",

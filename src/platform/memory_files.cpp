@@ -107,7 +107,7 @@ std::optional<String> MemoryFiles::search_path(const char* name, const char* ext
     candidates = {plain, extended};
   } else {
     for (const std::string& folder : search_folders_) {
-      candidates.push_back(folder + '\');
+      candidates.push_back(folder + '\\');
       candidates.back() += extended;
     }
   }

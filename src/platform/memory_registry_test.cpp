@@ -110,6 +110,9 @@ TEST(MemoryRegistry, RefusesPathsThatNoRegistryCouldHold) {
     deep += "\\a";
   EXPECT_THROW(registry.create(deep), std::invalid_argument);
   EXPECT_THROW(registry.set_text("HKCU\\A", std::string(16384, 'v'), u"x"), std::invalid_argument);
+  const std::string nul(1, '\0');
+  EXPECT_THROW(registry.create("HKCU\\" + nul), std::invalid_argument);
+  EXPECT_THROW(registry.set_text("HKCU\\A", nul, u"x"), std::invalid_argument);
 }
 
 TEST(MemoryRegistry, KeepsTheFirstSpellingOfNames) {

@@ -52,6 +52,7 @@ const char* fault_of_path(std::u16string_view path) {
     const size_t length = std::min(end, path.size());
     if (length == 0) return "a key without a name";
     if (length > kMaxKeyName) return "the name of a key is too long";
+    if (path.substr(0, length).find(u'\0') != path.npos) return "a NUL in the name of a key";
     if (++depth > kMaxKeyDepth) return "keys are nested too deeply";
     if (end == std::u16string_view::npos) return nullptr;
     path.remove_prefix(end + 1);
@@ -148,6 +149,7 @@ class Parser {
     auto name = at(u'@') ? default_name() : quoted();
     if (!name) return fail("the name of a value without its closing quote");
     if (name->size() > kMaxValueName) return fail("the name of a value is too long");
+    if (name->find(u'\0') != name->npos) return fail("a NUL in the name of a value");
     skip_blanks();
     if (!skip(u"=")) return fail("a value without its equals sign");
     skip_blanks();

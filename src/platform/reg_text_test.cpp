@@ -256,6 +256,12 @@ TEST(RegText, RefusesNamesBeyondTheLimitsOfARegistry) {
   EXPECT_EQ(error("[A]\n\"" + name + "v\"=-"), "line 3: the name of a value is too long");
 }
 
+TEST(RegText, RefusesNulInNamesButKeepsItInTexts) {
+  EXPECT_EQ(error(std::string("[A\\\0]", 5)), "line 2: a NUL in the name of a key");
+  EXPECT_EQ(error(std::string("[A]\n\"\0\"=-", 9)), "line 3: a NUL in the name of a value");
+  EXPECT_EQ(value(std::string("@=\"a\0b\"", 7)).data, text_bytes(std::u16string_view(u"a\0b", 3)));
+}
+
 TEST(RegText, TakesEveryFileOfTheFuzzingCorpus) {
   const std::filesystem::path folder =
       (std::filesystem::path(ZOLVANE_TEST_DATA) / "../../fuzz/corpus/reg_text").lexically_normal();

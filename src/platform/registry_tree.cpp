@@ -127,6 +127,7 @@ RegistryNode& RegistryTree::create(std::u16string_view path) {
   size_t depth = 1;
   for (auto piece = take_piece(path); !piece.empty(); piece = take_piece(path)) {
     if (piece.size() > kMaxKeyName) refuse("the name of a key is too long", whole);
+    if (piece.find(u'\0') != piece.npos) refuse("a NUL in the name of a key", whole);
     if (++depth > kMaxKeyDepth) refuse("keys are nested too deeply", whole);
     RegistryNode* next = node->subkey(piece);
     node = next != nullptr ? next : &add(*node, piece);
@@ -148,6 +149,7 @@ void RegistryTree::remove(std::u16string_view path) {
 void RegistryTree::set(RegistryNode& node, std::u16string_view name, uint32_t type,
                        std::string data) {
   if (name.size() > kMaxValueName) refuse("the name of a value is too long", name);
+  if (name.find(u'\0') != name.npos) refuse("a NUL in the name of a value", name);
   RegistryValue* value = node.value(name);
   if (value == nullptr) {
     value = &node.values.emplace_back();

@@ -51,11 +51,13 @@ int show_main_dialog(HINSTANCE instance, const UninstallPara& para) {
   const auto files = make_system_files();
   const UninstallReader::Services services{*registry, *files, ORLO::system_clock(), under_wow64(),
                                            &applyThreadLanguage};
-  ORLO::Dialog::DoModal(instance, resources.dialog(IDD_MAIN), nullptr, [&](HWND window) {
-    return std::make_unique<UninstallDlg>(window, std::make_unique<UninstallDlgPara>(para),
-                                          resources, services);
-  });
-  return 0;
+  const INT_PTR result =
+      ORLO::Dialog::DoModal(instance, resources.dialog(IDD_MAIN), nullptr, [&](HWND window) {
+        return std::make_unique<UninstallDlg>(window, std::make_unique<UninstallDlgPara>(para),
+                                              resources, services);
+      });
+  // -1: the dialog never came up; its failure has been reported.
+  return result == -1 ? 1 : 0;
 }
 
 int run(HINSTANCE instance, const Switches& switches) {

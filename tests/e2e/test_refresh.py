@@ -6,7 +6,8 @@ from support.program import REFRESH
 from support.registry import SZ, UNINSTALL, Key
 
 KEYS = [Key("local", "Stays", {"DisplayName": "Stays", "InstallDate": "20251112"}),
-        Key("local64", "Goes", {"DisplayName": "Goes", "InstallDate": "20251111"})]
+        Key("local64", "Goes", {"DisplayName": "Goes", "InstallDate": "20251111"}),
+        Key("user", "Mine", {"DisplayName": "Mine", "InstallDate": "20251110"})]
 PLACES = {"local": ("HKLM", 32), "local64": ("HKLM", 64), "user": ("HKCU", 64)}
 
 
@@ -28,8 +29,8 @@ def desk(make_desk):
 @pytest.fixture
 def program(desk):
     program = desk.open("-nopersist", "-noupdate")
-    program.wait_filled(2)
-    assert names(program) == ["Stays", "Goes"]
+    program.wait_filled(3)
+    assert names(program) == ["Stays", "Goes", "Mine"]
     return program
 
 
@@ -46,13 +47,24 @@ def test_refresh_shows_what_was_added_changed_and_removed(desk, program, refresh
     set_value(desk, "local", "Stays", "DisplayName", "Stays, renamed")
     desk.driver("reg-delete", *PLACES["local64"], f"Software\\{UNINSTALL}\\Goes")
     refresh(program)
-    program.wait_filled(3)
-    assert names(program) == ["Newest", "Stays, renamed", "Oldest"]
+    program.wait_filled(4)
+    assert names(program) == ["Newest", "Stays, renamed", "Mine", "Oldest"]
 
 
 def test_a_refresh_of_an_empty_machine_shows_nothing(desk, program):
-    for place, key in (("local", "Stays"), ("local64", "Goes")):
+    for place, key in (("local", "Stays"), ("local64", "Goes"), ("user", "Mine")):
         desk.driver("reg-delete", *PLACES[place], f"Software\\{UNINSTALL}\\{key}")
     program.click(REFRESH)
     program.wait_filled(0)
     assert names(program) == []
+
+
+def test_a_source_that_was_absent_at_the_start_stays_absent(make_desk):
+    with make_desk(KEYS[:1]) as desk:
+        program = desk.open("-nopersist", "-noupdate")
+        program.wait_filled(1)
+        set_value(desk, "user", "Late", "DisplayName", "Late")
+        set_value(desk, "local", "New", "DisplayName", "New")
+        program.click(REFRESH)
+        program.wait_filled(2)
+        assert "Late" not in names(program)

@@ -31,6 +31,12 @@ class Picture:
         line = self._rgb[start:start + (right - left) * 3]
         return [tuple(line[i:i + 3]) for i in range(0, len(line), 3)]
 
+    def cropped(self, rect):
+        left, top, right, bottom = rect
+        lines = [self._rgb[(y * self.width + left) * 3:(y * self.width + right) * 3]
+                 for y in range(top, bottom)]
+        return Picture((right - left, bottom - top), b"".join(lines))
+
     def ink(self, rect):
         """The box, on the screen, of what differs from the rectangle's commonest colour; None if
         nothing does."""

@@ -14,14 +14,15 @@ REFRESH = 1007
 
 
 def eventually(condition, what, limit=30):
-    """Asks until the condition gives something true, and returns that."""
+    """Asks until the condition gives something true, and returns that. `what` is the text for a
+    failure, or gives it."""
     end = time.monotonic() + limit
     while True:
         result = condition()
         if result:
             return result
         if time.monotonic() > end:
-            raise AssertionError(f"not within {limit} s: {what}")
+            raise AssertionError(f"not within {limit} s: {what() if callable(what) else what}")
         # Between two looks at the condition; the wait's end is the condition.
         time.sleep(0.02)
 
@@ -57,7 +58,13 @@ class Program:
         return self.ask("list-columns", LIST)
 
     def wait_for_status(self, text):
-        eventually(lambda: self.status() == text, f"status line {text!r}")
+        seen = []
+
+        def has_come():
+            seen.append(self.status())
+            return seen[-1] == text
+
+        eventually(has_come, lambda: f"status line {text!r}, which says {seen[-1]!r}")
 
     def wait_filled(self, count):
         """Until a refresh cycle has ended with this many rows."""

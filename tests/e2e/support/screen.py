@@ -1,6 +1,8 @@
 """A virtual screen of the tests' own: an X server, a window manager, real mouse and keys."""
 
+import contextlib
 import os
+import re
 import subprocess
 
 from .picture import Picture
@@ -52,7 +54,31 @@ class Screen:
         """A key by its X name, to whatever has the focus."""
         self._xdotool("key", key)
 
-    def resize_window(self, start, end):
-        """Drags with Alt and the right button: the window manager moves the nearest corner."""
-        self._xdotool("mousemove", *start, "keydown", "alt", "mousedown", 3, "mousemove", *end,
-                      "mouseup", 3, "keyup", "alt")
+    def frame_of(self, title):
+        """A window with the frame that the window manager has put around it."""
+        def read(*command):
+            return subprocess.run([*command, "-name", title], env=self.env, check=True,
+                                  stdout=subprocess.PIPE, timeout=20).stdout.decode()
+
+        info = read("xwininfo")
+        left, top, width, height = (
+            int(re.search(rf"{name}: +(-?\d+)", info)[1])
+            for name in ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height"))
+        extents = read("xprop", "_NET_FRAME_EXTENTS").split("=")[1]
+        more_left, more_right, more_top, more_bottom = (int(word) for word in extents.split(","))
+        return (left - more_left, top - more_top,
+                left + width + more_right, top + height + more_bottom)
+
+    def corner_of(self, title):
+        """A point on the lower right corner of a window's frame, where the mouse resizes it."""
+        _, _, right, bottom = self.frame_of(title)
+        return right - 6, bottom - 3
+
+    @contextlib.contextmanager
+    def button_held(self, x, y):
+        """The left mouse button pressed at a point and held."""
+        self._xdotool("mousemove", x, y, "mousedown", 1)
+        try:
+            yield
+        finally:
+            self._xdotool("mouseup", 1)
