@@ -43,6 +43,9 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   void disable_what_has_no_work_yet();
   void give_text(NMLVDISPINFOA& request);
 
+  /// Puts the window where it was last, or in the middle.
+  void place_window();
+  void save_window_pos();
   void requestRefresh();
   void runRefreshCycle();
   /// Forgets everything and reads anew: the user accepts the present state.
@@ -51,6 +54,7 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   /// Stops the threads. Does nothing the second time.
   void shut_down();
 
+  UninstallPara& run_;  ///< inside the dialog's parameters
   const Resources& resources_;
   ORLO::OwnedAccelerators accelerators_;
   ORLO::OwnedIcon big_icon_;

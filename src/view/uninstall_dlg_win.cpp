@@ -1,10 +1,12 @@
 #include "view/uninstall_dlg.h"
 
 #include <iterator>
+#include <optional>
 #include <utility>
 
 #include "orlo/wait_cursor.h"
 #include "orlo/window_helpers.h"
+#include "persist/window_pos.h"
 #include "view/resource_ids.h"
 
 namespace {
@@ -98,6 +100,7 @@ HICON load_icon(HINSTANCE module, int width_metric, int height_metric) {
 UninstallDlg::UninstallDlg(HWND window, std::unique_ptr<UninstallDlgPara> dialog_para,
                            const Resources& resources, const UninstallReader::Services& services)
     : Base(window, std::move(dialog_para)),
+      run_(static_cast<UninstallDlgPara&>(*para).run),
       resources_(resources),
       accelerators_(resources.accelerators(IDA_MAIN)),
       refresh_button_(control(IDC_REFRESH), kButtonText, kActiveButtonText),
@@ -176,8 +179,29 @@ void UninstallDlg::disable_what_has_no_work_yet() {
   list_.disable_header_clicks();
 }
 
+void UninstallDlg::place_window() {
+  const std::optional<WindowPos> pos = parse_window_pos(run_.windowPos);
+  if (!pos) {
+    ORLO::center_window(_hwnd);
+    return;
+  }
+  // Laid out anew on its way, by the message that tells of the new size.
+  MoveWindow(_hwnd, pos->left, pos->top, pos->right - pos->left, pos->bottom - pos->top, TRUE);
+  ShowWindow(_hwnd, pos->show_command);
+}
+
+void UninstallDlg::save_window_pos() {
+  WINDOWPLACEMENT placement = {};
+  placement.length = sizeof placement;
+  if (GetWindowPlacement(_hwnd, &placement) == FALSE) return;
+  const RECT& normal = placement.rcNormalPosition;
+  keep_window_pos(
+      {normal.left, normal.top, normal.right, normal.bottom, static_cast<int>(placement.showCmd)},
+      run_.windowPos);
+}
+
 LRESULT UninstallDlg::Init(HWND) {
-  ORLO::center_window(_hwnd);
+  place_window();
   ShowWindow(_hwnd, SW_SHOW);
   UpdateWindow(_hwnd);
   SetFocus(control(IDC_LIST));
@@ -273,5 +297,6 @@ void UninstallDlg::shut_down() {
 
 void UninstallDlg::EndDialog(INT_PTR result) {
   shut_down();
+  save_window_pos();
   Base::EndDialog(result);
 }
