@@ -19,8 +19,9 @@ function(zolvane_tests name)
   add_executable(${name}_tests ${sources})
   target_link_libraries(${name}_tests PRIVATE zolvane_${name} GTest::gmock_main)
   target_compile_definitions(${name}_tests PRIVATE
-    ZOLVANE_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/data")
-  add_test(NAME ${name} COMMAND ${name}_tests
-    --gtest_output=xml:${CMAKE_BINARY_DIR}/results/${name}.xml)
+    ZOLVANE_SOURCE_ROOT="${CMAKE_SOURCE_DIR}")
+  # Relative: a test program of the target takes no other path without a drive for a full one.
+  add_test(NAME ${name} COMMAND ${name}_tests --gtest_output=xml:results/${name}.xml
+    WORKING_DIRECTORY ${CMAKE_BINARY_DIR})
   set_tests_properties(${name} PROPERTIES TIMEOUT 600)
 endfunction()

@@ -14,37 +14,36 @@ void demand(bool holds) {
   if (!holds) std::abort();
 }
 
-MemoryFiles& files() {
-  static MemoryFiles made;
-  static const bool filled = [] {
-    made.add_file("C:\\a.exe");
-    made.add_file("C:\\a b\\c.exe");
-    made.add_file("D:\\x\\d");
-    made.add_folder("C:\\a b");
-    made.add_search_folder("D:\\x");
-    made.set_variable("V", "C:\\a b");
-    made.set_variable("LONG", std::string(2000, 'l'));
-    return true;
-  }();
-  demand(filled);
-  return made;
+MemoryFiles made_files() {
+  MemoryFiles files;
+  files.add_file("C:\\a.exe");
+  files.add_file("C:\\a b\\c.exe");
+  files.add_file("D:\\x\\d");
+  files.add_folder("C:\\a b");
+  files.add_search_folder("D:\\x");
+  files.set_variable("V", "C:\\a b");
+  files.set_variable("LONG", std::string(2000, 'l'));
+  return files;
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  // A copy for each text, as it keeps a log of all its calls.
+  static const MemoryFiles made = made_files();
+  MemoryFiles files(made);
   const std::string bytes(reinterpret_cast<const char*>(data), size);
   const String text(bytes.c_str());
-  const IconSpec spec = SplitIconSpec(text, files());
+  const IconSpec spec = SplitIconSpec(text, files);
   demand(std::strchr(spec.args.c_str(), '\0') == spec.args.c_str() + spec.args.length());
   demand(spec.args.length() <= text.length());
 
-  const CommandLine command = ResolveCommandLine(text, files());
+  const CommandLine command = ResolveCommandLine(text, files);
   if (command.command.empty()) {
     demand(std::strcmp(command.path.c_str(), spec.path.c_str()) == 0);
     demand(std::strcmp(command.args.c_str(), spec.args.c_str()) == 0);
   } else {
-    demand(files().is_file(command.path.c_str()));
+    demand(files.is_file(command.path.c_str()));
   }
   return 0;
 }

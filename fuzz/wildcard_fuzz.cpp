@@ -35,8 +35,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   constexpr size_t kShort = 24;
   const std::string bytes(reinterpret_cast<const char*>(data), size);
   const size_t parting = bytes.find('\n');
-  const std::string text = bytes.substr(0, parting).c_str();
-  const std::string pattern = parting == std::string::npos ? "" : bytes.substr(parting + 1).c_str();
+  const auto up_to_nul = [](const std::string& piece) { return piece.substr(0, piece.find('\0')); };
+  const std::string text = up_to_nul(bytes.substr(0, parting));
+  const std::string pattern =
+      parting == std::string::npos ? "" : up_to_nul(bytes.substr(parting + 1));
   const bool matches = ORLO::match_wildcard(text.c_str(), pattern.c_str());
   if (bytes.size() <= kShort) {
     demand(matches == matches_by_recursion(text.c_str(), pattern.c_str()));

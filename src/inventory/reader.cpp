@@ -1,11 +1,14 @@
 #include "inventory/reader.h"
 
+#include <new>
+
 #include "orlo/exception.h"
 
 namespace {
 
 using ORLO::Lock;
 
+constexpr uint32_t kOutOfMemory = 14;
 constexpr char kUninstallPath[] = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall";
 
 /// Says that a pass is over, on every way out of it.
@@ -68,6 +71,11 @@ String UninstallReader::error_text() const {
   return error_text_;
 }
 
+void UninstallReader::set_error_text(const String& text) {
+  const Lock hold(data_lock_);
+  error_text_ = text;
+}
+
 int UninstallReader::Run() {
   apply_thread_language_();
   while (!stop_requested()) {
@@ -75,14 +83,14 @@ int UninstallReader::Run() {
     ORLO::wait_any(items, 2, ORLO::kInfinite);
     if (stop_requested()) break;
     const PassEnd end(running_, done_event_);
-    String failure;
+    set_error_text(String());
     try {
       pass();
     } catch (const ORLO::Exception& exception) {
-      failure = exception.what();
+      set_error_text(exception.what());
+    } catch (const std::bad_alloc&) {
+      set_error_text(ORLO::SDKException(kOutOfMemory).what());
     }
-    const Lock hold(data_lock_);
-    error_text_ = failure;
   }
   running_ = false;
   return 0;

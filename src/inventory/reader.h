@@ -48,6 +48,7 @@ class UninstallReader : public ORLO::ActiveFinisher {
   void read_place(int32_t root, const RegistryKey& key, bool is64BitView, std::set<RowKey>& unseen);
   void deliver(const Row& row);
   void erase_unseen(const std::set<RowKey>& unseen);
+  void set_error_text(const String& text);
 
   void (*const apply_thread_language_)();
   RegistryKey key_local_;

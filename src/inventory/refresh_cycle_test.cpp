@@ -2,9 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
 #include <string>
 #include <vector>
 
+#include "inventory/hooked_registry_test_support.h"
+#include "inventory/uninstall_test_support.h"
+#include "orlo/exception.h"
 #include "platform/memory_files.h"
 #include "platform/memory_registry.h"
 
@@ -33,9 +37,10 @@ class RecordingView : public InventoryView {
 
 class RefreshCycleTest : public testing::Test {
  protected:
-  void start(bool under_wow64 = true) {
+  void start(bool under_wow64 = true) { start(registry_, under_wow64); }
+  void start(Registry& registry, bool under_wow64 = true) {
     reader_ = std::make_unique<UninstallReader>(
-        UninstallReader::Services{registry_, files_, ORLO::system_clock(), under_wow64, [] {}});
+        UninstallReader::Services{registry, files_, ORLO::system_clock(), under_wow64, [] {}});
     cycle_ = std::make_unique<RefreshCycle>(*reader_, current_, view_, ORLO::system_clock());
   }
   std::vector<std::string> run() {
@@ -68,6 +73,47 @@ TEST_F(RefreshCycleTest, NameInBothViewsIsOneRowOfThe64BitView) {
   registry_.create(kMachine + kUninstall + "App");
   start();
   EXPECT_EQ(run(), (Log{"clear marks", "begin", "apply App HKLM Uninstall 64", "end"}));
+}
+
+TEST_F(RefreshCycleTest, NameInBothViewsHasTheUsageDataOfTheOneCacheKeyThatBothShare) {
+  registry_.set_number(kMachine32 + kUninstall + "App", "EstimatedSize", 1);
+  registry_.set_number(kMachine + kUninstall + "App", "EstimatedSize", 2);
+  UsageBytes record;
+  record.installed = 10240;
+  record.last_used = 128763036000000000;  // 13 January 2009, 07:00 UTC
+  registry_.set_raw(std::string(kUsageCacheKey) + "\\App", "SlowInfoCache", kRegBinary,
+                    record.bytes());
+  start();
+  run();
+  ASSERT_EQ(current_.size(), 1u);
+  const Row& row = current_.rows.begin()->second;
+  EXPECT_STREQ(cell(row, PackageColumn::is64Bit).text.c_str(), "1");
+  EXPECT_STREQ(cell(row, PackageColumn::size).text.c_str(), "10");
+  EXPECT_STREQ(cell(row, PackageColumn::lastUseDate).text.c_str(), "13.01.2009 08:00:00");
+}
+
+TEST_F(RefreshCycleTest, NameThatLeavesThe64BitViewIsThatOfThe32BitViewAgain) {
+  registry_.create(kMachine32 + kUninstall + "App");
+  registry_.create(kMachine + kUninstall + "App");
+  start();
+  run();
+  registry_.remove(kMachine + kUninstall + "App");
+  EXPECT_EQ(run(), (Log{"clear marks", "begin", "apply App HKLM Uninstall", "end"}));
+}
+
+TEST_F(RefreshCycleTest, NamesThatDifferInCaseAreOneRowForEachSpelling) {
+  registry_.create(kMachine32 + kUninstall + "App");
+  registry_.create(kMachine + kUninstall + "APP");
+  start();
+  EXPECT_EQ(run(), (Log{"clear marks", "begin", "apply APP HKLM Uninstall 64",
+                        "apply App HKLM Uninstall", "end"}));
+}
+
+TEST_F(RefreshCycleTest, PackageUnderAnotherReplacesTheOneThatHasItsPartAsAWholeName) {
+  registry_.create(kUser + kUninstall + "KB5");
+  registry_.create(kUser + kUninstall + "{1}.KB5");
+  start();
+  EXPECT_EQ(run(), (Log{"clear marks", "begin", "apply {1}.KB5 HKCU Uninstall", "end"}));
 }
 
 TEST_F(RefreshCycleTest, WithoutWow64ThereIsNo64BitView) {
@@ -111,6 +157,37 @@ TEST_F(RefreshCycleTest, ForgottenRowsComeAgain) {
   reader_->clear();
   current_.clear_rows();
   EXPECT_EQ(run(), (Log{"clear marks", "begin", "apply App HKCU Uninstall", "end"}));
+}
+
+TEST_F(RefreshCycleTest, FailedPassTellsItsTextAndLeavesWhatItHasRead) {
+  for (const char* name : {"a", "b", "c"})
+    registry_.create(kUser + kUninstall + name);
+  bool failing = true;
+  HookedRegistry hooked(registry_, [&failing](const std::string& operation, uint32_t index) {
+    if (failing && operation == "subkey_at" && index == 1) throw ORLO::UserException("broken");
+  });
+  start(hooked);
+  EXPECT_EQ(run(), (Log{"clear marks", "begin", "apply a HKCU Uninstall", "end"}));
+  EXPECT_STREQ(reader_->error_text().c_str(), "broken");
+  failing = false;
+  EXPECT_EQ(run(), (Log{"clear marks", "begin", "apply b HKCU Uninstall", "apply c HKCU Uninstall",
+                        "end"}));
+  EXPECT_TRUE(reader_->error_text().empty());
+  reader_.reset();
+}
+
+TEST_F(RefreshCycleTest, PassThatRunsOutOfMemoryEndsInAText) {
+  registry_.create(kUser + kUninstall + "a");
+  bool failing = true;
+  HookedRegistry hooked(registry_, [&failing](const std::string& operation, uint32_t) {
+    if (failing && operation == "subkey_at") throw std::bad_alloc();
+  });
+  start(hooked);
+  EXPECT_EQ(run(), (Log{"clear marks"}));
+  EXPECT_STREQ(reader_->error_text().c_str(), ORLO::SDKException(14).what());
+  failing = false;
+  EXPECT_EQ(run(), (Log{"clear marks", "begin", "apply a HKCU Uninstall", "end"}));
+  reader_.reset();
 }
 
 TEST_F(RefreshCycleTest, AbandonedWaitHandsNothingOver) {

@@ -30,19 +30,82 @@ RowKey key_of(const char* text) {
 }
 
 TEST(PackageSchema, HasItsColumnsInTheirOrder) {
+  const char* const names[] = {"name",
+                               "source",
+                               "displayName",
+                               "displayVersion",
+                               "parent",
+                               "parentName",
+                               "displayIcon",
+                               "installLocation",
+                               "installDate",
+                               "uninstallDate",
+                               "uninstallCmd",
+                               "modifyCmd",
+                               "noRemove",
+                               "noModify",
+                               "systemComponent",
+                               "comments",
+                               "size",
+                               "lastUseDate",
+                               "features",
+                               "patches",
+                               "frequency",
+                               "installerPath",
+                               "packagePath",
+                               "MSI",
+                               "OK",
+                               "64bit",
+                               "user",
+                               "publisher",
+                               "contact",
+                               "helpURL",
+                               "helpPhone",
+                               "aboutURL",
+                               "updateURL",
+                               "keyName",
+                               "HKEY_ROOT",
+                               "changed"};
+  const std::string types =
+      "tttttttt"
+      "dd"
+      "tt"
+      "iii"
+      "t"
+      "i"
+      "d"
+      "iii"
+      "tt"
+      "ii"
+      "tttttttt"
+      "t"
+      "i"
+      "i";
   const Table& schema = packageSchema();
+  ASSERT_EQ(std::size(names), kPackageColumns);
+  ASSERT_EQ(types.size(), kPackageColumns);
   EXPECT_EQ(schema.column_count(), kPackageColumns);
+  for (size_t i = 0; i < kPackageColumns; ++i) {
+    SCOPED_TRACE(names[i]);
+    const Column& column = schema.column(names[i]);
+    EXPECT_EQ(column.index, static_cast<int32_t>(i));
+    const ColumnType type = types[i] == 'i'   ? ColumnType::integer
+                            : types[i] == 'd' ? ColumnType::date
+                                              : ColumnType::text;
+    EXPECT_EQ(column.type, type);
+    EXPECT_EQ(column.isKey, i == 33 || i == 34);
+    EXPECT_EQ(column.isTracked, i != 35);
+  }
   EXPECT_EQ(schema.keyColumnCount, 2u);
-  EXPECT_EQ(schema.column("name").index, 0);
-  EXPECT_EQ(schema.column("64bit").index, 25);
-  EXPECT_EQ(schema.column("keyName").index, 33);
-  EXPECT_EQ(schema.column("HKEY_ROOT").index, 34);
-  EXPECT_EQ(schema.column("changed").index, 35);
-  EXPECT_EQ(schema.column("installDate").type, ColumnType::date);
-  EXPECT_EQ(schema.column("size").type, ColumnType::integer);
-  EXPECT_EQ(schema.column("64bit").type, ColumnType::text);
-  EXPECT_EQ(trackedColumns(schema).size(), 35u);
   EXPECT_EQ(schema.size(), 0u);
+}
+
+TEST(PackageSchema, ListsColumnsByTheOrderOfTheirNames) {
+  EXPECT_EQ(keyColumns(packageSchema()), (ColumnIndices{34, 33}));
+  const ColumnIndices tracked = trackedColumns(packageSchema());
+  ASSERT_EQ(tracked.size(), 35u);
+  EXPECT_EQ((ColumnIndices{tracked.begin(), tracked.begin() + 5}),
+            (ColumnIndices{25, 34, 23, 24, 31}));
 }
 
 TEST(PackageSchema, RowKeyIsRootThenKeyName) {
@@ -192,6 +255,45 @@ TEST(Difference, TakesColumnsThatOnlyTheSecondHas) {
   second.addColumn("extra", ColumnType::text);
   const Table difference(small_schema(), second);
   EXPECT_EQ(difference.column("extra").index, 2);
+}
+
+TEST(Difference, KeepsKeysApartThatDifferInCaseOnly) {
+  Table first = small_schema();
+  first.addRow(row_of("app", "1"));
+  Table second = small_schema();
+  second.addRow(row_of("App", "1"));
+  const Table difference(first, second);
+  ASSERT_EQ(difference.size(), 2u);
+  EXPECT_EQ(difference.rows.at(key_of("App")).marker, Row::kRemoved);
+  EXPECT_EQ(difference.rows.at(key_of("app")).marker, 0);
+}
+
+TEST(Difference, ComparesColumnsInStepOverTheShorterList) {
+  Table first = small_schema();
+  first.addColumn("zzz", ColumnType::text);
+  Row row = row_of("a", "1");
+  row.cells.resize(3);
+  row.cells[2].text = "only the first has it";
+  first.addRow(row);
+  Table second = small_schema();
+  second.addRow(row_of("a", "1"));
+  EXPECT_EQ(Table(first, second).size(), 0u);
+}
+
+TEST(Difference, OfATableAndItselfIsEmpty) {
+  Table table = small_schema();
+  table.addRow(row_of("a", "1"));
+  EXPECT_EQ(Table(table, table).size(), 0u);
+}
+
+TEST(CompareRows, OrdersByUnsignedBytesBeyondNuls) {
+  Row a = row_of("", "1");
+  Row b = row_of("", "1");
+  a.cells[0].text.assign("x\0a", 3);
+  b.cells[0].text.assign("x\0\xe4", 3);
+  EXPECT_EQ(compareRows(a, {0}, b, {0}), -1);
+  EXPECT_EQ(compareRows(b, {0}, a, {0}), 1);
+  EXPECT_EQ(changeMask(a, b, {0}), 1u);
 }
 
 TEST(CompareRows, StopsAtTheEndOfTheShorterList) {

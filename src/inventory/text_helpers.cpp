@@ -1,10 +1,13 @@
 #include "inventory/text_helpers.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
 
 constexpr size_t kExpansionLimit = 1024;
+// The system knows no longer paths.
+constexpr size_t kLongestPath = 32767;
 
 bool is_space(char c) noexcept {
   return c == ' ' || (c >= '\t' && c <= '\r');
@@ -17,10 +20,6 @@ const char* skip_space(const char* text) noexcept {
   while (is_space(*text))
     ++text;
   return text;
-}
-
-const char* end_of(const String& text) noexcept {
-  return text.c_str() + text.length();
 }
 
 /// What is left of the path part behind the program, then the arguments that stood behind the
@@ -107,8 +106,9 @@ CommandLine ResolveCommandLine(const String& text, Files& files) {
     return command;
   }
   const char* const begin = spec.path.c_str();
-  const char* const end = end_of(spec.path);
-  for (const char* stop = begin + 1; stop <= end; ++stop) {
+  const char* const end = begin + spec.path.length();
+  const char* const last = begin + std::min(spec.path.length(), kLongestPath);
+  for (const char* stop = begin + 1; stop <= last; ++stop) {
     if (stop != end && !is_space(*stop)) continue;
     const String prefix(begin, stop);
     const auto found = files.search_path(prefix.c_str(), ".exe");

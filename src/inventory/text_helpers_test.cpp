@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstring>
+#include <optional>
+#include <string>
+
 #include "platform/memory_files.h"
 
 namespace {
@@ -51,6 +56,21 @@ TEST(SplitIconSpec, ExpansionThatDoesNotFitLeavesTheTextUnchanged) {
   EXPECT_STREQ(SplitIconSpec("%LONG%", files).path.c_str(), "%LONG%");
 }
 
+TEST(SplitIconSpec, ExpansionThatFailsLeavesTheTextUnchanged) {
+  MemoryFiles files;
+  files.set_variable("APPS", "D:\\Apps");
+  files.fail("expand_environment");
+  EXPECT_STREQ(SplitIconSpec("%APPS%\\x", files).path.c_str(), "%APPS%\\x");
+}
+
+TEST(SplitIconSpec, SkipsOneWhiteSpaceOfAnyKindInFront) {
+  MemoryFiles files;
+  for (const char* text : {"\t\"a\"", "\n\"a\"", "\v\"a\"", "\f\"a\"", "\r\"a\"", " \"a\""}) {
+    EXPECT_STREQ(SplitIconSpec(text, files).path.c_str(), "a");
+  }
+  EXPECT_STREQ(SplitIconSpec("\xa0\"a\"", files).path.c_str(), "\xa0\"a\"");
+}
+
 class ResolveCommandLineTest : public testing::Test {
  protected:
   void expect(const char* text, const char* path, const char* args, const char* command) {
@@ -95,9 +115,64 @@ TEST_F(ResolveCommandLineTest, QuotedProgramFoundBySearchKeepsItsArguments) {
   expect("msiexec /x {1}", "C:\\Windows\\msiexec.exe", "/x {1}", "msiexec");
 }
 
+TEST_F(ResolveCommandLineTest, QuotedAndUnquotedCommandsGiveTheSame) {
+  files_.add_file("C:\\Program Files\\App\\un.exe");
+  for (const char* text :
+       {"\"C:\\Program Files\\App\\un.exe\" /x  1", "C:\\Program Files\\App\\un.exe /x  1"}) {
+    expect(text, "C:\\Program Files\\App\\un.exe", "/x  1", "C:\\Program Files\\App\\un.exe");
+  }
+}
+
+TEST_F(ResolveCommandLineTest, ExpandsVariablesInTheProgramOnlyWhereItIsQuoted) {
+  files_.set_variable("APPS", "D:\\Apps");
+  files_.add_file("D:\\Apps\\un.exe");
+  expect("\"%APPS%\\un.exe\" %APPS%", "D:\\Apps\\un.exe", "%APPS%", "D:\\Apps\\un.exe");
+  expect("%APPS%\\un.exe %APPS%", "D:\\Apps\\un.exe", "D:\\Apps", "D:\\Apps\\un.exe");
+}
+
+TEST_F(ResolveCommandLineTest, GoesOnBehindAFolder) {
+  files_.add_folder("C:\\Program");
+  files_.add_file("C:\\Program Files\\un.exe");
+  expect("C:\\Program Files\\un /x", "C:\\Program Files\\un.exe", "/x", "C:\\Program Files\\un");
+}
+
 TEST_F(ResolveCommandLineTest, FolderDoesNotCount) {
   files_.add_folder("C:\\App");
   expect("C:\\App", "C:\\App", "", "");
+}
+
+/// Finds nothing, and counts how often it is asked.
+class EmptyFiles : public Files {
+ public:
+  bool is_file(const char*) override { return false; }
+  bool can_open(const char*) override { return false; }
+  std::optional<String> search_path(const char* name, const char*) override {
+    ++searches;
+    longest = std::max(longest, std::strlen(name));
+    return std::nullopt;
+  }
+  std::optional<String> expand_environment(const char*, size_t) override { return std::nullopt; }
+
+  size_t searches = 0;
+  size_t longest = 0;
+};
+
+TEST(ResolveCommandLine, SearchesForEachPrefixThatEndsInFrontOfABlankOrAtTheEnd) {
+  EmptyFiles files;
+  ResolveCommandLine("a bc  d", files);
+  EXPECT_EQ(files.searches, 4u);
+  EXPECT_EQ(files.longest, 7u);
+}
+
+TEST(ResolveCommandLine, SearchesForNothingLongerThanAPathCanBe) {
+  EmptyFiles files;
+  const std::string word = std::string(99, 'x') + ' ';
+  std::string text;
+  while (text.size() < 1 << 20)
+    text += word;
+  EXPECT_EQ(ResolveCommandLine(text, files).path.length(), text.size());
+  EXPECT_EQ(files.searches, 327u);
+  EXPECT_EQ(files.longest, 32699u);
 }
 
 TEST_F(ResolveCommandLineTest, NothingFoundLeavesTheSplit) {
@@ -124,9 +199,40 @@ TEST(MergeDateText, TextOfAnotherDayWins) {
   EXPECT_STREQ(MergeDateText("05.01.2009", date).c_str(), local_date(2009, 1, 5).display().c_str());
 }
 
+TEST(MergeDateText, TextOfTheSameDayWithATimeOfDayWins) {
+  const DateTime date = local_date(2009, 1, 5, 10, 11);
+  EXPECT_STREQ(MergeDateText("05 Jan 2009 12:34:56 GMT", date).c_str(),
+               local_date(2009, 1, 5, 12, 34).display().c_str());
+}
+
+TEST(MergeDateText, TextThatIsADateIsShownAsTheProgramShowsDates) {
+  const std::string shown = local_date(2009, 1, 5).display().c_str();
+  for (const char* text :
+       {"20090105", "2009-01-05", "1/5/2009", "05.01.2009", "5 Jan 2009", "Jan 5 2009"}) {
+    EXPECT_EQ(std::string(MergeDateText(text, DateTime()).c_str()), shown) << text;
+  }
+}
+
+TEST(MergeDateText, TextWithAMonthThatNoCalendarHasIsShownAsNothing) {
+  EXPECT_STREQ(MergeDateText("25/12/2009", DateTime()).c_str(), "");
+  EXPECT_STREQ(MergeDateText("25/12/2009", local_date(2009, 1, 6)).c_str(), "");
+}
+
 TEST(MergeDateText, UnreadableTextGivesWayToTheFileTime) {
   const DateTime date = local_date(2009, 1, 6, 10, 11);
   EXPECT_STREQ(MergeDateText("soon", date).c_str(), date.display().c_str());
+}
+
+TEST(CompareVersions, ComparesSuffixesByUnsignedBytes) {
+  EXPECT_EQ(compareVersions("1\xe4", "1z"), 1);
+  EXPECT_EQ(compareVersions("1z", "1\xe4"), -1);
+}
+
+TEST(CompareVersions, StartsBehindTheProductNameOnlyWhereTextRemains) {
+  EXPECT_EQ(compareVersions("Suite/Pro \t 2.1", "2.1"), 0);
+  EXPECT_EQ(compareVersions("Suite/2.1 ", "Suite/2.1 "), 0);
+  EXPECT_EQ(compareVersions("a/b.c ", "a/b.c"), 1) << "nothing behind the blank";
+  EXPECT_EQ(compareVersions("Suite/Pro 2", "2"), -1) << "no dot";
 }
 
 TEST(CompareVersions, OrdersByPartsAndSuffixes) {

@@ -131,8 +131,7 @@ void UninstallSource::read_subkey(const RegistryKey& subkey, const String& name,
                                   Row& row) {
   Registry::KeyInfo info;
   const bool known = registry_.info(subkey, info) == kRegSuccess;
-  if (!known) info = Registry::KeyInfo();
-  values_.read(subkey, info);
+  values_.read(subkey, known ? &info : nullptr);
   String parent = values_.text("ParentKeyName");
   split_subkey_name(name, cell(row, Field::keyName).text, parent);
   cell(row, Field::name).text = name;

@@ -2,85 +2,29 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <string>
 #include <vector>
 
+#include "inventory/entry.h"
+#include "inventory/uninstall_test_support.h"
 #include "orlo/datetime.h"
-#include "platform/memory_files.h"
-#include "platform/memory_registry.h"
+#include "orlo/fixed_clock.h"
 
 namespace {
 
 using Field = PackageColumn;
 
-constexpr char kUninstall[] = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall";
-constexpr char kUserKey[] =
-    "HKEY_CURRENT_USER\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall";
-constexpr char kCacheKey[] =
-    "HKEY_LOCAL_MACHINE\\SOFTWARE\\WOW6432Node\\Microsoft\\Windows\\CurrentVersion\\App "
-    "Management\\ARPCache";
+constexpr ORLO::FileTime kMorningOf13January2009 = 128763036000000000;  // 07:00 UTC
 
-/// A usage record as the system writes it.
-struct UsageBytes {
-  uint32_t size = 552;
-  uint32_t has_name = 0;
-  int64_t installed = -1;
-  uint64_t last_used = 0;
-  uint32_t frequency = 0xFFFFFFFF;
-  std::u16string name;
+/// As the program shows a date of the zone that it is in.
+std::string shown(uint16_t year, uint16_t month, uint16_t day, uint16_t hour = 0,
+                  uint16_t minute = 0) {
+  DateTime date;
+  date.time = {year, month, 0, day, hour, minute};
+  return date.display().c_str();
+}
 
-  std::string bytes() const {
-    std::string data(552, '\0');
-    std::memcpy(&data[0], &size, 4);
-    std::memcpy(&data[4], &has_name, 4);
-    std::memcpy(&data[8], &installed, 8);
-    std::memcpy(&data[16], &last_used, 8);
-    std::memcpy(&data[24], &frequency, 4);
-    std::memcpy(&data[28], name.data(), name.size() * 2);
-    return data;
-  }
-};
-
-/// A current-user Uninstall key (one view only) and what the source makes of it.
-class UninstallSourceTest : public testing::Test {
- protected:
-  std::string path(const std::string& name) const { return std::string(kUserKey) + "\\" + name; }
-  void add(const std::string& name) {
-    registry_.create(path(name));
-    registry_.set_last_write(path(name), 0);
-  }
-  void text(const std::string& name, const char* value, std::u16string_view data) {
-    registry_.set_text(path(name), value, data);
-    registry_.set_last_write(path(name), 0);
-  }
-  void number(const std::string& name, const char* value, uint32_t data) {
-    registry_.set_number(path(name), value, data);
-    registry_.set_last_write(path(name), 0);
-  }
-  void usage(const std::string& name, const UsageBytes& record) {
-    registry_.set_raw(std::string(kCacheKey) + "\\" + name, "SlowInfoCache", kRegBinary,
-                      record.bytes());
-  }
-
-  const std::vector<Row>& read(bool is64BitView = false) {
-    rows_.clear();
-    RegistryKey key;
-    EXPECT_EQ(registry_.open(kCurrentUser, kUninstall, kKeyRead, key), kRegSuccess);
-    UninstallSource source(registry_, files_, ORLO::system_clock());
-    source.readUninstallKey(kCurrentUser, key, unseen_, is64BitView,
-                            [this](const Row& row) { rows_.push_back(row); });
-    return rows_;
-  }
-  std::string value(size_t row, Field column) const {
-    return cell(rows_.at(row), column).text.c_str();
-  }
-
-  MemoryRegistry registry_;
-  MemoryFiles files_;
-  std::set<RowKey> unseen_;
-  std::vector<Row> rows_;
-};
+class UninstallSourceTest : public UninstallBed {};
 
 TEST_F(UninstallSourceTest, CopiesTheTextValues) {
   text("App", "DisplayName", u"Name");
@@ -155,11 +99,12 @@ TEST_F(UninstallSourceTest, SplitsTheNameOfAPackageUnderAnother) {
   };
   const Case cases[] = {
       {"{1234}.KB123", "KB123", "1234"}, {"{1234}.", "", "1234"},     {"{1234}", "{1234}", "said"},
-      {"x{1}.y", "x{1}.y", "said"},      {"{a}.{b}.c", "{b}.c", "a"},
+      {"x{1}.y", "x{1}.y", "said"},      {"{a}.{b}.c", "{b}.c", "a"}, {"{}.y", "y", ""},
+      {"{a}b}.c", "c", "a}b"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    registry_.remove(kUserKey);
+    registry_.remove(std::string("HKEY_CURRENT_USER\\") + kUninstallBelowRoot);
     text(c.name, "ParentKeyName", u"said");
     ASSERT_EQ(read().size(), 1u);
     EXPECT_EQ(value(0, Field::name), c.name);
@@ -225,10 +170,40 @@ TEST_F(UninstallSourceTest, InstallerPathIsThatOfTheUninstallCommandElseOfTheMod
   EXPECT_EQ(value(0, Field::installerPath), "C:\\App\\un.exe");
 }
 
+TEST_F(UninstallSourceTest, SubkeyWithNothingToRunHasNoCheckText) {
+  text("App", "DisplayName", u"Name");
+  read();
+  EXPECT_EQ(value(0, Field::OK), "0");
+  EXPECT_STREQ(UninstallEntry::fromRow(rows_[0]).okText.c_str(), "");
+}
+
+TEST_F(UninstallSourceTest, RowOfAnyOtherRootSaysThatItsSourceIsUnknown) {
+  add("App");
+  RegistryKey key;
+  ASSERT_EQ(registry_.open(kCurrentUser, kUninstallBelowRoot, kKeyRead, key), kRegSuccess);
+  UninstallSource source(registry_, files_, clock_);
+  const auto source_of = [&](int32_t root) {
+    source.readUninstallKey(root, key, unseen_, false, [this](const Row& row) { rows_ = {row}; });
+    return value(0, Field::source);
+  };
+  EXPECT_EQ(source_of(kLocalMachine), "HKLM Uninstall");
+  EXPECT_EQ(source_of(kCurrentUser), "HKCU Uninstall");
+  EXPECT_EQ(source_of(kLocalMachine + 1), "???");
+  EXPECT_EQ(value(0, Field::HKEY_ROOT), "-2147483645");
+}
+
+TEST_F(UninstallSourceTest, NumbersStandAsSignedTextAndAsValue) {
+  number("App", "EstimatedSize", 0xFFFFFFF0);
+  number("App", "WindowsInstaller", 0x80000000);
+  read();
+  EXPECT_EQ(value(0, Field::size), "-16");
+  EXPECT_EQ(cell(rows_[0], Field::size).integer(), -16);
+  EXPECT_EQ(value(0, Field::MSI), "-2147483648");
+  EXPECT_EQ(value(0, Field::OK), "-1") << "nothing registered for a Windows Installer product";
+}
+
 TEST_F(UninstallSourceTest, UnreadableDateWithoutWriteTimeStandsAsItIs) {
-  // A file time of 0 is the year 1601, which is a date; from 2^63 on there is none.
   text("App", "InstallDate", u"some day");
-  registry_.set_last_write(path("App"), 0xF000000000000000);
   read();
   EXPECT_EQ(value(0, Field::installDate), "some day");
 }
@@ -258,6 +233,73 @@ TEST_F(UninstallSourceTest, LastWriteTimeStandsInForAMissingDate) {
       << value(0, Field::installDate);
 }
 
+TEST_F(UninstallSourceTest, DateTextOfAnotherDayThanTheWriteTimeWins) {
+  text("App", "InstallDate", u"20090112");
+  registry_.set_last_write(path("App"), kMorningOf13January2009);
+  read();
+  EXPECT_EQ(value(0, Field::installDate), shown(2009, 1, 12));
+}
+
+TEST_F(UninstallSourceTest, DateTextOfTheSameDayAsTheWriteTimeTakesItsTimeOfDay) {
+  text("App", "InstallDate", u"20090113");
+  registry_.set_last_write(path("App"), kMorningOf13January2009);
+  read();
+  EXPECT_EQ(value(0, Field::installDate), shown(2009, 1, 13, 8, 0));
+}
+
+TEST_F(UninstallSourceTest, UnreadableDateGivesWayToTheWriteTime) {
+  text("App", "InstallDate", u"5 Januar 2009");
+  registry_.set_last_write(path("App"), kMorningOf13January2009);
+  read();
+  EXPECT_EQ(value(0, Field::installDate), shown(2009, 1, 13, 8, 0));
+}
+
+TEST_F(UninstallSourceTest, WriteTimeIsShownWithTheShiftOfThePresent) {
+  add("App");
+  registry_.set_last_write(path("App"), kMorningOf13January2009);
+  RegistryKey key;
+  ASSERT_EQ(registry_.open(kCurrentUser, kUninstallBelowRoot, kKeyRead, key), kRegSuccess);
+  const ORLO::FixedClock summer({2026, 7, 1, 20, 12});
+  UninstallSource source(registry_, files_, summer);
+  source.readUninstallKey(kCurrentUser, key, unseen_, false,
+                          [this](const Row& row) { rows_ = {row}; });
+  EXPECT_EQ(value(0, Field::installDate), shown(2009, 1, 13, 9, 0));
+}
+
+TEST_F(UninstallSourceTest, DateThatNoCalendarHasIsShownAsNothing) {
+  text("App", "InstallDate", u"25/12/2009");
+  registry_.set_last_write(path("App"), kMorningOf13January2009);
+  read();
+  EXPECT_EQ(value(0, Field::installDate), "");
+}
+
+TEST_F(UninstallSourceTest, DwordDateWinsOverTheWriteTime) {
+  number("App", "InstallDate", 1231743600);  // 12 January 2009, 07:00 UTC
+  registry_.set_last_write(path("App"), kMorningOf13January2009);
+  read();
+  EXPECT_EQ(value(0, Field::installDate), shown(2009, 1, 12, 8, 0));
+}
+
+TEST_F(UninstallSourceTest, OnlyADwordOfFourBytesIsADwordDate) {
+  const struct {
+    const char* what;
+    uint32_t type;
+    std::string data;
+    std::string expected;
+  } rows[] = {
+      {"bytes", kRegBinary, "2009", "2009"},
+      {"eight bytes", kRegDword, std::string("A\0\0\0\0\0\0\0", 8), "A"},
+      {"two bytes", kRegDword, "AB", "AB"},
+      {"long number", kRegQword, "20090113", shown(2009, 1, 13)},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    raw("App", "InstallDate", row.type, row.data);
+    read();
+    EXPECT_EQ(value(0, Field::installDate), row.expected);
+  }
+}
+
 TEST_F(UninstallSourceTest, SubkeyWithoutUsageRecordShowsThatOfItsPredecessor) {
   add("a");
   add("b");
@@ -270,6 +312,87 @@ TEST_F(UninstallSourceTest, SubkeyWithoutUsageRecordShowsThatOfItsPredecessor) {
   EXPECT_EQ(value(1, Field::frequency), "17");
   EXPECT_EQ(value(0, Field::lastUseDate), "13.01.2009 08:00:00");
   EXPECT_EQ(value(1, Field::lastUseDate), "13.01.2009 08:00:00");
+}
+
+TEST_F(UninstallSourceTest, EachFieldThatTheUsageRecordLacksStaysThatOfThePredecessor) {
+  add("a");
+  add("b");
+  add("c");
+  UsageBytes record;
+  record.frequency = 17;
+  record.last_used = kMorningOf13January2009;
+  usage("a", record);
+  UsageBytes only_frequency;
+  only_frequency.frequency = 3;
+  usage("b", only_frequency);
+  UsageBytes only_use;
+  only_use.last_used = kMorningOf13January2009 + ORLO::kFileTimePerDay;
+  usage("c", only_use);
+  ASSERT_EQ(read().size(), 3u);
+  EXPECT_EQ(value(1, Field::frequency), "3");
+  EXPECT_EQ(value(1, Field::lastUseDate), "13.01.2009 08:00:00");
+  EXPECT_EQ(value(2, Field::frequency), "3");
+  EXPECT_EQ(cell(rows_[2], Field::frequency).integer(), 3);
+  EXPECT_EQ(value(2, Field::lastUseDate), "14.01.2009 08:00:00");
+}
+
+TEST_F(UninstallSourceTest, UsageDataEndWithThePass) {
+  add("a");
+  UsageBytes record;
+  record.frequency = 17;
+  record.last_used = kMorningOf13January2009;
+  usage("a", record);
+  read();
+  registry_.remove(kUsageCacheKey);
+  read();
+  EXPECT_EQ(value(0, Field::frequency), "");
+  EXPECT_EQ(value(0, Field::lastUseDate), "");
+}
+
+TEST_F(UninstallSourceTest, SizeAndIconAreNeverThoseOfThePredecessor) {
+  add("a");
+  add("b");
+  UsageBytes record;
+  record.installed = 10240;
+  record.has_name = 1;
+  record.name = u"C:\\App\\main.exe";
+  usage("a", record);
+  read();
+  EXPECT_EQ(value(0, Field::size), "10");
+  EXPECT_EQ(value(1, Field::size), "-1");
+  EXPECT_EQ(value(1, Field::displayIcon), "");
+}
+
+TEST_F(UninstallSourceTest, LastUseBeyondTheCalendarIsShownAsNothing) {
+  add("a");
+  add("b");
+  UsageBytes record;
+  record.last_used = kMorningOf13January2009;
+  usage("a", record);
+  record.last_used = kNoDate;
+  usage("b", record);
+  read();
+  EXPECT_EQ(value(0, Field::lastUseDate), "13.01.2009 08:00:00");
+  EXPECT_EQ(value(1, Field::lastUseDate), "");
+}
+
+TEST_F(UninstallSourceTest, UsageRecordIsFoundByTheWholeNameOfTheSubkey) {
+  add("{1234}.KB1");
+  UsageBytes record;
+  record.frequency = 5;
+  usage("{1234}.KB1", record);
+  read();
+  EXPECT_EQ(value(0, Field::frequency), "5");
+}
+
+TEST_F(UninstallSourceTest, UsageRecordOfAnyTypeCounts) {
+  add("a");
+  UsageBytes record;
+  record.frequency = 5;
+  registry_.set_raw(std::string(kUsageCacheKey) + "\\a", "SlowInfoCache", kRegDword,
+                    record.bytes());
+  read();
+  EXPECT_EQ(value(0, Field::frequency), "5");
 }
 
 TEST_F(UninstallSourceTest, UsageRecordOverridesTheEstimatedSize) {
@@ -294,7 +417,7 @@ TEST_F(UninstallSourceTest, UsageRecordOfAnotherSizeIsIgnored) {
   read();
   EXPECT_EQ(value(0, Field::size), "5");
   record.size = 552;
-  registry_.set_raw(std::string(kCacheKey) + "\\App", "SlowInfoCache", kRegBinary,
+  registry_.set_raw(std::string(kUsageCacheKey) + "\\App", "SlowInfoCache", kRegBinary,
                     record.bytes().substr(0, 551));
   read();
   EXPECT_EQ(value(0, Field::size), "5");
@@ -316,6 +439,56 @@ TEST_F(UninstallSourceTest, MainFileReplacesAnIconThatIsNotThere) {
   EXPECT_EQ(value(0, Field::displayIcon), "C:\\App\\main.exe");
 }
 
+TEST_F(UninstallSourceTest, IconIsLookedForWithoutItsIndexAndQuotes) {
+  UsageBytes record;
+  record.has_name = 1;
+  record.name = u"C:\\App\\main.exe";
+  usage("App", record);
+  files_.set_variable("APPS", "D:\\Apps");
+  const struct {
+    const char16_t* icon;
+    const char* probe;
+  } rows[] = {
+      {u"\"C:\\x.exe\",2", "can_open C:\\x.exe"},        {u"C:\\x.exe,2", "can_open C:\\x.exe"},
+      {u"\"C:\\x.exe,2\"", "can_open C:\\x.exe"},        {u"C:\\a,b\\x.exe", "can_open C:\\a"},
+      {u"%APPS%\\x.exe,-1", "can_open D:\\Apps\\x.exe"},
+  };
+  for (const auto& row : rows) {
+    text("App", "DisplayIcon", row.icon);
+    read();
+    EXPECT_EQ(files_.calls().back(), row.probe);
+  }
+}
+
+TEST_F(UninstallSourceTest, FolderServesAsAnIconThatIsThere) {
+  UsageBytes record;
+  record.has_name = 1;
+  record.name = u"C:\\App\\main.exe";
+  usage("App", record);
+  text("App", "DisplayIcon", u"C:\\Folder");
+  files_.add_folder("C:\\Folder");
+  read();
+  EXPECT_EQ(value(0, Field::displayIcon), "C:\\Folder");
+}
+
+TEST_F(UninstallSourceTest, EmptyMainFileLeavesNoIcon) {
+  UsageBytes record;
+  record.has_name = 1;
+  usage("App", record);
+  text("App", "DisplayIcon", u"C:\\gone.ico");
+  read();
+  EXPECT_EQ(value(0, Field::displayIcon), "");
+}
+
+TEST_F(UninstallSourceTest, IconStaysWhereTheRecordNamesNoMainFile) {
+  UsageBytes record;
+  record.name = u"C:\\App\\main.exe";
+  usage("App", record);
+  text("App", "DisplayIcon", u"C:\\gone.ico");
+  read();
+  EXPECT_EQ(value(0, Field::displayIcon), "C:\\gone.ico");
+}
+
 TEST_F(UninstallSourceTest, MainFileWithoutTerminatorIsBounded) {
   UsageBytes record;
   record.has_name = 1;
@@ -333,6 +506,16 @@ TEST_F(UninstallSourceTest, ErasesWhatItSeesFromTheUnseenKeys) {
   read();
   ASSERT_EQ(unseen_.size(), 1u);
   EXPECT_STREQ(unseen_.begin()->texts[1].c_str(), "Gone");
+}
+
+TEST_F(UninstallSourceTest, ErasesTheKeyOfAPackageUnderAnotherByItsPart) {
+  add("{1}.KB5");
+  unseen_.insert(RowKey{{"-2147483647", "KB5"}});
+  unseen_.insert(RowKey{{"-2147483647", "{1}.KB5"}});
+  unseen_.insert(RowKey{{"-2147483646", "KB5"}});
+  read();
+  EXPECT_EQ(unseen_.size(), 2u);
+  EXPECT_FALSE((unseen_.contains(RowKey{{"-2147483647", "KB5"}})));
 }
 
 TEST_F(UninstallSourceTest, RowsOfThe64BitViewSaySo) {
@@ -362,6 +545,20 @@ TEST_F(UninstallSourceTest, KeyThatCannotBeQueriedGivesNothing) {
   add("a");
   registry_.fail("info", "", kRegAccessDenied);
   EXPECT_TRUE(read().empty());
+}
+
+TEST_F(UninstallSourceTest, MakesNoCallTooMany) {
+  text("App", "DisplayName", u"Name");
+  number("App", "NoModify", 1);
+  registry_.clear_calls();
+  read();
+  const std::string cache =
+      "open SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Management\\ARPCache\\App";
+  EXPECT_EQ(registry_.calls(), (std::vector<std::string>{
+                                   std::string("open ") + kUninstallBelowRoot, "info Uninstall",
+                                   "subkey_at App", "open App", "info App", "value_at DisplayName",
+                                   "value_at NoModify", cache, "subkey_at "}));
+  EXPECT_TRUE(files_.calls().empty());
 }
 
 TEST_F(UninstallSourceTest, LeavesNoKeyOpen) {

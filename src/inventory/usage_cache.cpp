@@ -4,7 +4,6 @@
 #include <cstring>
 
 #include "orlo/datetime.h"
-#include "orlo/locale.h"
 
 namespace {
 
@@ -32,12 +31,10 @@ int32_t size_in_kb(int64_t bytes) {
 }
 
 String main_file(const void* data) {
-  char16_t name[kNameUnits];
-  std::memcpy(name, static_cast<const char*>(data) + kNameOffset, sizeof name);
-  size_t length = 0;
-  while (length < kNameUnits && name[length] != u'\0')
-    ++length;
-  return ORLO::system_locale().narrow(name, length);
+  // One unit more, for the terminator that the record may lack.
+  char16_t name[kNameUnits + 1] = {};
+  std::memcpy(name, static_cast<const char*>(data) + kNameOffset, kNameUnits * sizeof(char16_t));
+  return String(name);
 }
 
 String last_use_text(ORLO::FileTime time, const ORLO::Clock& clock) {

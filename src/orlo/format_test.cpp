@@ -283,6 +283,7 @@ TEST(Format, PrintsCharacters) {
 }
 
 TEST(Format, PrintsPointersAsEightUpperCaseDigits) {
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): the digits of a known address are wanted.
   const auto pointer = [](uintptr_t address) { return reinterpret_cast<const void*>(address); };
   EXPECT_EQ(formatted("%p", pointer(0xabc)), "00000ABC");
   EXPECT_EQ(formatted("%p", pointer(0)), "00000000");

@@ -82,7 +82,7 @@ String::~String() {
 }
 
 String& String::operator=(const String& other) noexcept {
-  assign(other);
+  if (this != &other) assign(other);
   return *this;
 }
 

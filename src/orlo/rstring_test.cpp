@@ -78,7 +78,7 @@ TEST(String, ConvertsWideTextToTheCodePage) {
 
 TEST(String, CopiesShareABlock) {
   const String first("text");
-  const String second(first);
+  const String second(first);  // NOLINT(performance-unnecessary-copy-initialization): tested.
   String third;
   third = first;
   EXPECT_TRUE(first.shares_block_with(second));
@@ -349,6 +349,7 @@ TEST(String, GrowsLinearlyWithManyAppends) {
 TEST(String, CopiesMayLiveOnDifferentThreads) {
   const String original("shared text");
   std::vector<std::thread> threads;
+  threads.reserve(4);
   for (int i = 0; i < 4; ++i) {
     threads.emplace_back([copy = original] {
       for (int round = 0; round < 1000; ++round) {

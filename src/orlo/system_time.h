@@ -24,7 +24,7 @@ using FileTime = uint64_t;
 
 inline constexpr FileTime kFileTimePerSecond = 10'000'000;
 inline constexpr FileTime kFileTimePerMinute = 60 * kFileTimePerSecond;
-inline constexpr FileTime kFileTimePerDay = 24 * 60 * kFileTimePerMinute;
+inline constexpr FileTime kFileTimePerDay = 24 * (60 * kFileTimePerMinute);
 /// 1 January 1970.
 inline constexpr FileTime kUnixEpoch = 116'444'736'000'000'000;
 

@@ -1,6 +1,7 @@
 // Reads whole files for tests.
 #pragma once
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -10,4 +11,11 @@ inline std::string file_bytes(const std::filesystem::path& path) {
   std::ostringstream bytes;
   bytes << std::ifstream(path, std::ios::binary).rdbuf();
   return bytes.str();
+}
+
+/// A file or folder of the project that tests read, `path` as seen from the project's root. For
+/// programs that run elsewhere the environment variable ZOLVANE_TEST_DATA names another root.
+inline std::filesystem::path test_data(const char* path) {
+  const char* const elsewhere = std::getenv("ZOLVANE_TEST_DATA");
+  return std::filesystem::path(elsewhere != nullptr ? elsewhere : ZOLVANE_SOURCE_ROOT) / path;
 }

@@ -263,10 +263,8 @@ TEST(RegText, RefusesNulInNamesButKeepsItInTexts) {
 }
 
 TEST(RegText, TakesEveryFileOfTheFuzzingCorpus) {
-  const std::filesystem::path folder =
-      (std::filesystem::path(ZOLVANE_TEST_DATA) / "../../fuzz/corpus/reg_text").lexically_normal();
   size_t files = 0;
-  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+  for (const auto& entry : std::filesystem::directory_iterator(test_data("fuzz/corpus/reg_text"))) {
     SCOPED_TRACE(entry.path().string());
     const std::string bytes = file_bytes(entry.path());
     const RegText read = parse_reg_text(bytes);

@@ -17,6 +17,9 @@ TEST(Switches, CountWhereverTheyStand) {
       {"\"-ger\"", false, false, false, true, false},
       {"-eng -ger", false, false, false, true, true},
       {"-NOUPDATE -Ger", false, false, false, false, false},
+      {"-nopersist-noupdate-ger", false, true, true, true, false},
+      {"C:\\-english\\-gerda\\zolvane.exe", false, false, false, true, true},
+      {"- nopersist -no update", false, false, false, false, false},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.command_line);
@@ -66,6 +69,12 @@ TEST(Paths, WithoutAFolderAreBuiltFromNothing) {
   UninstallPara para;
   set_paths("", para);
   EXPECT_STREQ(para.cfgPath.c_str(), "\\Quillmere\\zolvane-cfg.xml");
+}
+
+TEST(Paths, TakeTheFolderAsItIs) {
+  UninstallPara para;
+  set_paths("C:\\100%s%n\\\xC4", para);
+  EXPECT_STREQ(para.cfgPath.c_str(), "C:\\100%s%n\\\xC4\\Quillmere\\zolvane-cfg.xml");
 }
 
 TEST(UninstallPara, StartsWithItsDefaults) {

@@ -34,8 +34,15 @@ def german_desk(make_desk):
 
 
 @pytest.fixture
-def desk(english_desk):
-    return english_desk
+def desks(english_desk, german_desk):
+    yield {"english": english_desk, "german": german_desk}
+    english_desk.end_programs()
+    german_desk.end_programs()
+
+
+@pytest.fixture
+def desk(desks):
+    return desks["english"]
 
 
 @pytest.mark.parametrize("locale, switches, language", [
@@ -47,10 +54,8 @@ def desk(english_desk):
     ("german", "-ger -eng", "German"),
     ("german", "/first:x-english", "English"),
 ])
-def test_the_language_follows_the_switches_and_then_the_locale(request, locale, switches,
-                                                               language):
-    desk = request.getfixturevalue(f"{locale}_desk")
-    program = desk.open(*QUIET, switches)
+def test_the_language_follows_the_switches_and_then_the_locale(desks, locale, switches, language):
+    program = desks[locale].open(*QUIET, switches)
     assert language_of(program) == language
     assert program.close() == 0
 

@@ -78,7 +78,7 @@ def program(desk, language):
     program = desk.open(switch, *QUIET)
     program.wait_for_status(text)
     yield program
-    program.close()
+    desk.end_programs()
 
 
 def size(rect):

@@ -116,10 +116,19 @@ class Desk:
         self.prefix = prefix
         self.driver = driver
         self._command = '"Z:' + str(program_path).replace("/", "\\") + '"'
+        self._started = []
 
     def start(self, *switches):
         """Starts the program without waiting for its window; its process id."""
-        return self.driver("start", " ".join([self._command, *switches]))
+        self._started.append(self.driver("start", " ".join([self._command, *switches])))
+        return self._started[-1]
+
+    def end_programs(self):
+        """Ends by force what a failed test has left running."""
+        for pid in self._started:
+            if self.driver("running", pid):
+                self.driver("kill", pid)
+        self._started.clear()
 
     def open(self, *switches):
         """Starts the program and waits for its window."""

@@ -1,0 +1,182 @@
+#!/usr/bin/env bash
+# What takes hours: each fuzz target for ten million executions, with the coverage it reached, and
+# the end-to-end tests many times over.
+#   scripts/soak.sh [-n EXECUTIONS] [-r ROUNDS] [TARGET...]
+# A TARGET is the name of a fuzz target or "e2e"; without any, all take their turn, one at a time.
+# What a fuzzer learns stays in build/soak/corpus, what it finds in build/soak/found; the figures
+# are printed as a table at the end and kept in build/soak/figures.tsv.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+exec </dev/null
+
+export LC_ALL=en_GB.UTF-8 TZ=Europe/Berlin
+readonly python=/usr/bin/python3
+readonly work=build/soak
+readonly coverage_build=build/fuzz-coverage
+executions=10000000
+rounds=20
+
+# Each target's longest input, which is what its parser's longest sensible text needs, and the code
+# that its coverage is counted over: the source files, and a pattern for the functions of a file
+# that several targets share.
+max_len() {
+  case $1 in
+    usage_cache) echo 560 ;;
+    reg_text) echo 256 ;;
+    command) echo 128 ;;
+    *) echo 64 ;;
+  esac
+}
+sources() {
+  case $1 in
+    dates) echo src/orlo/datetime.cpp src/orlo/scan.cpp ;;
+    format) echo src/orlo/format.cpp src/orlo/format_reader.cpp ;;
+    wildcard) echo src/orlo/wildcard.cpp ;;
+    command | version) echo src/inventory/text_helpers.cpp ;;
+    usage_cache) echo src/inventory/usage_cache.cpp ;;
+    reg_text) echo src/platform/reg_text.cpp ;;
+    *) echo "soak: no sources are named for the target $1" >&2; exit 2 ;;
+  esac
+}
+functions() {
+  case $1 in
+    command) echo 'SplitIconSpec|ResolveCommandLine|arguments|skip_space|is_space|end_of' ;;
+    version) echo 'compareVersions|version_start|number|pieces|part_end|sign|skip|is_space|is_digit' ;;
+    *) echo . ;;
+  esac
+}
+
+usage() {
+  sed -n '4s/^# *//p' "$0" >&2
+  exit 2
+}
+
+all_targets() {
+  local file
+  for file in fuzz/*_fuzz.cpp; do basename "$file" _fuzz.cpp; done
+}
+
+# The tools that count lines come with the compiler's suite, not with the compiler.
+install_coverage_tools() {
+  command -v llvm-cov-14 >/dev/null && command -v llvm-profdata-14 >/dev/null && return
+  local root=()
+  [ "$(id -u)" -eq 0 ] || root=(sudo --)
+  "${root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -y install --no-install-recommends llvm-14
+}
+
+build_fuzzers() {
+  scripts/setup.sh
+  install_coverage_tools
+  cmake --preset fuzz
+  cmake --build --preset fuzz -j "$(nproc)"
+  cmake --preset fuzz -B "$coverage_build" \
+    -DCMAKE_CXX_FLAGS="-fprofile-instr-generate -fcoverage-mapping"
+  cmake --build "$coverage_build" -j "$(nproc)"
+}
+
+# line_coverage TARGET: lines and branches reached of all, from everything that the target knows.
+line_coverage() {
+  local target=$1 program="$coverage_build/fuzz/$1_fuzz" profile="$work/$1"
+  local files
+  read -ra files <<<"$(sources "$target")"
+  LLVM_PROFILE_FILE="$profile.profraw" "$program" -runs=0 \
+    "$work/corpus/$target" "fuzz/corpus/$target" >"$profile.coverage.log" 2>&1
+  llvm-profdata-14 merge -sparse "$profile.profraw" -o "$profile.profdata"
+  # A function's columns: name; then of regions, lines and branches all, missed and percentage.
+  llvm-cov-14 report "$program" -instr-profile="$profile.profdata" -show-functions "${files[@]}" |
+    awk -v names="$(functions "$target")" '
+      function reached(all, missed) {
+        return sprintf("%d of %d (%.1f %%)", all - missed, all, 100 * (all - missed) / all)
+      }
+      NF == 10 && $1 != "TOTAL" && $5 ~ /^[0-9]+$/ && $1 ~ names {
+        lines += $5; missed_lines += $6; branches += $8; missed_branches += $9
+      }
+      END { printf "%s\t%s", reached(lines, missed_lines), reached(branches, missed_branches) }'
+}
+
+# soak TARGET: fails if the target has found something.
+soak() {
+  local target=$1 log="$work/$1.log" status=0
+  mkdir -p "$work/corpus/$target" "$work/found/$target"
+  echo "soak: $target, $executions executions"
+  # Without the entropic schedule, whose bookkeeping costs these short inputs more than they do.
+  "build/fuzz/fuzz/${target}_fuzz" -runs="$executions" -max_len="$(max_len "$target")" \
+    -entropic=0 -timeout=10 -print_final_stats=1 -artifact_prefix="$work/found/$target/" \
+    "$work/corpus/$target" "fuzz/corpus/$target" >"$log" 2>&1 || status=$?
+  if [ "$status" -ne 0 ]; then
+    echo "soak: $target has ended with $status; see $log and $work/found/$target"
+    tail -n 20 "$log"
+    return 1
+  fi
+  write_figures "$target" "$log"
+}
+
+# One line of figures: target, longest input, executions, seconds, edges, features, lines,
+# branches.
+write_figures() {
+  local target=$1 log=$2 done_line seconds runs edges features
+  done_line=$(grep -E '^#[0-9]+[[:space:]]+DONE ' "$log")
+  runs=$(sed -E 's/^#([0-9]+).*/\1/' <<<"$done_line")
+  edges=$(sed -E 's/.* cov: ([0-9]+).*/\1/' <<<"$done_line")
+  features=$(sed -E 's/.* ft: ([0-9]+).*/\1/' <<<"$done_line")
+  seconds=$(sed -nE 's/^Done [0-9]+ runs in ([0-9]+) second.*/\1/p' "$log")
+  # The newest figures of a target replace its older ones.
+  touch "$work/figures.tsv"
+  {
+    grep -v "^$target	" "$work/figures.tsv" || true
+    printf '%s\t%s\t%s\t%s\t%s\t%s\t%s\n' "$target" "$(max_len "$target")" "$runs" "$seconds" \
+      "$edges" "$features" "$(line_coverage "$target")"
+  } >"$work/figures.new"
+  sort "$work/figures.new" >"$work/figures.tsv"
+  rm "$work/figures.new"
+}
+
+# Fails if any round has a failed test.
+soak_e2e() {
+  local round failed=0
+  cmake --preset win32
+  cmake --build --preset win32 -j "$(nproc)" --target zolvane zolvane-driver zolvane-probe
+  for ((round = 1; round <= rounds; ++round)); do
+    if "$python" -m pytest -q -p no:cacheprovider tests/e2e >"$work/e2e.$round.log" 2>&1; then
+      rm -f "$work/e2e.$round.failed"
+    else
+      failed=$((failed + 1))
+      mv "$work/e2e.$round.log" "$work/e2e.$round.failed.log"
+    fi
+    echo "soak: end to end, round $round of $rounds: $(tail -n 1 "$work"/e2e."$round".*log)"
+  done
+  echo "soak: end to end, $failed of $rounds rounds had failures"
+  [ "$failed" -eq 0 ]
+}
+
+while getopts n:r: option; do
+  case $option in
+    n) executions=$OPTARG ;;
+    r) rounds=$OPTARG ;;
+    *) usage ;;
+  esac
+done
+shift $((OPTIND - 1))
+mapfile -t known < <(all_targets)
+targets=("$@")
+[ "${#targets[@]}" -gt 0 ] || targets=("${known[@]}" e2e)
+for target in "${targets[@]}"; do
+  [[ " ${known[*]} e2e " == *" $target "* ]] || { echo "soak: no target $target" >&2; usage; }
+done
+
+mkdir -p "$work"
+[ "${targets[*]}" = e2e ] || build_fuzzers
+failures=0
+for target in "${targets[@]}"; do
+  case $target in
+    e2e) soak_e2e || failures=$((failures + 1)) ;;
+    *) soak "$target" || failures=$((failures + 1)) ;;
+  esac
+done
+if [ -s "$work/figures.tsv" ]; then
+  {
+    printf 'target\tlongest\texecutions\tseconds\tedges\tfeatures\tlines\tbranches\n'
+    cat "$work/figures.tsv"
+  } | column -t -s $'\t'
+fi
+exit $((failures > 0))
