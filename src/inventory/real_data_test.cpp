@@ -109,6 +109,7 @@ std::vector<Place> places_of(const RegText& text) {
     if (fits_code_page(name)) place.names.insert(narrow(name));
   }
   std::vector<Place> result;
+  result.reserve(places.size());
   for (auto& [upper, place] : places)
     result.push_back(std::move(place));
   return result;

@@ -78,8 +78,9 @@ TEST(UsageRecord, KnowsItsMainFileOnlyWhereItSaysSo) {
 TEST(UsageRecord, ConvertsTheMainFileToTheCodePageUpToItsFirstNul) {
   UsageBytes bytes;
   bytes.has_name = 1;
-  bytes.name = u"C:\\\u00C4\u20AC\u041F.exe\0rest";
-  bytes.name += u"\0rest";
+  bytes.name = u"C:\\\u00C4\u20AC\u041F.exe";
+  bytes.name += u'\0';
+  bytes.name += u"rest";
   EXPECT_STREQ(decoded(bytes).main_file.value().c_str(), "C:\\\xC4\x80?.exe");
   bytes.name = std::u16string(262, u'x');
   EXPECT_EQ(decoded(bytes).main_file.value().length(), 262u);

@@ -32,22 +32,20 @@ void expect_filled(const UninstallPara& para) {
   EXPECT_STREQ(para.imagePathsPath.c_str(), "paths");
 }
 
-TEST(UninstallPara, IsCopiedWholeByConstructionAndAssignment) {
-  const UninstallPara original = filled();
-  const UninstallPara copy(original);
-  expect_filled(copy);
-  UninstallPara assigned;
-  assigned = original;
-  expect_filled(assigned);
-}
-
-TEST(UninstallPara, CopiesAreIndependent) {
+TEST(UninstallPara, CopiesAreWholeAndIndependent) {
   const UninstallPara original = filled();
   UninstallPara copy(original);
+  expect_filled(copy);
   copy.windowPos = "";
   copy.searchText.append(" more");
   copy.langId = 7;
   expect_filled(original);
+}
+
+TEST(UninstallPara, IsAssignedWhole) {
+  UninstallPara assigned;
+  assigned = filled();
+  expect_filled(assigned);
 }
 
 }  // namespace
