@@ -12,6 +12,8 @@ const ExceptionContext& bottom() noexcept {
   // Never unlinked and never destroyed: exceptions may be built while statics go down.
   static const ExceptionContext* const context = [] {
     const ExceptionContext* const saved = innermost;
+    // Without memory for this there is nothing left to report: to end is right.
+    // NOLINTNEXTLINE(bugprone-unhandled-exception-at-new)
     const auto* made = new ExceptionContext("-NO-CONTEXT-");
     innermost = saved;
     return made;
