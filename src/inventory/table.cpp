@@ -9,6 +9,29 @@ namespace {
 
 using ORLO::Lock;
 
+/// Holds two locks, the first one taken first. Never waits for one while it holds the other, so
+/// that elsewhere they may be taken in the opposite order.
+class LockPair {
+ public:
+  LockPair(ORLO::CriticalSection& first, ORLO::CriticalSection& second) noexcept
+      : first_(first), second_(second) {
+    for (first_.enter(); !second_.try_enter(); first_.enter()) {
+      first_.leave();
+      const Lock until_free(second_);
+    }
+  }
+  ~LockPair() {
+    second_.leave();
+    first_.leave();
+  }
+  LockPair(const LockPair&) = delete;
+  LockPair& operator=(const LockPair&) = delete;
+
+ private:
+  ORLO::CriticalSection& first_;
+  ORLO::CriticalSection& second_;
+};
+
 const String& text_at(const Row& row, int32_t index) noexcept {
   static const String none;
   const auto position = static_cast<size_t>(index);
@@ -207,8 +230,7 @@ void Table::addRow(const Row& row) {
 
 void Table::assign(const Table& other) {
   if (this == &other) return;
-  const Lock hold(lock);
-  const Lock hold_other(other.lock);
+  const LockPair hold(lock, other.lock);
   columns = other.columns;
   keyColumnCount = other.keyColumnCount;
   rows = other.rows;

@@ -317,6 +317,20 @@ TEST(ChangeMask, IgnoresTheChangeColumn) {
   EXPECT_EQ(changeMask(a, make_package_row(), trackedColumns(packageSchema())), 0u);
 }
 
+TEST(Table, TwoTablesAssignedToEachOtherAtOnceDoNotBlock) {
+  Table a = small_schema();
+  Table b = small_schema();
+  a.addRow(row_of("a", "1"));
+  std::thread other([&] {
+    for (int i = 0; i < 2000; ++i)
+      a.assign(b);
+  });
+  for (int i = 0; i < 2000; ++i)
+    b.assign(a);
+  other.join();
+  EXPECT_EQ(a.size(), b.size());
+}
+
 TEST(Table, ServesSeveralThreads) {
   Table table = small_schema();
   std::thread writer([&] {
