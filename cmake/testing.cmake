@@ -16,10 +16,14 @@ function(zolvane_tests name)
   if(NOT sources)
     return()
   endif()
+  set(sanitized 0)
+  if(ZOLVANE_SANITIZE)
+    set(sanitized 1)
+  endif()
   add_executable(${name}_tests ${sources})
   target_link_libraries(${name}_tests PRIVATE zolvane_${name} GTest::gmock_main)
   target_compile_definitions(${name}_tests PRIVATE
-    ZOLVANE_SOURCE_ROOT="${CMAKE_SOURCE_DIR}")
+    ZOLVANE_SOURCE_ROOT="${CMAKE_SOURCE_DIR}" ZOLVANE_SANITIZED=${sanitized})
   # Relative: a test program of the target takes no other path without a drive for a full one.
   add_test(NAME ${name} COMMAND ${name}_tests --gtest_output=xml:results/${name}.xml
     WORKING_DIRECTORY ${CMAKE_BINARY_DIR})

@@ -28,14 +28,14 @@ check_format() {
   cpp_sources | xargs clang-format --dry-run -Werror
 }
 
-# forbid WHAT PATTERN FILE...: prints the lines that the pattern fits; fails if there are any.
+# forbid RULE PATTERN FILE...: prints the lines that the pattern fits; fails if there are any.
 forbid() {
-  local what=$1 pattern=$2 found
+  local rule=$1 pattern=$2 found
   shift 2
   [ $# -gt 0 ] || return 0
   found=$(LC_ALL=C grep -nHP -- "$pattern" "$@") || [ $? -eq 1 ] || return 1
   [ -n "$found" ] || return 0
-  sed "s|\$|    <- $what|" <<<"$found"
+  printf '%s:\n%s\n' "$rule" "$found"
   return 1
 }
 
@@ -54,8 +54,8 @@ check_rules() {
   local all portable inside folder above failed=0
   mapfile -t all < <(cpp_sources)
   mapfile -t portable < <(printf '%s\n' "${all[@]}" | grep -vE '_win(_test)?\.(cpp|h)$')
-  forbid 'not ASCII' '[^\x00-\x7F]' "${all[@]}" || failed=1
-  forbid '#ifdef' '^\s*#\s*(if|ifdef|ifndef|elif)\b' "${all[@]}" || failed=1
+  forbid 'only ASCII in sources' '[^\x00-\x7F]' "${all[@]}" || failed=1
+  forbid 'no choice by the preprocessor' '^\s*#\s*(if|ifdef|ifndef|elif)\b' "${all[@]}" || failed=1
   forbid 'portable code has no wchar_t' '\bwchar_t\b' "${portable[@]}" || failed=1
   mapfile -t portable < <(printf '%s\n' "${portable[@]}" | grep -vx 'src/orlo/orlowin\.h')
   forbid 'portable code has no windows.h' '^#include <windows\.h>' "${portable[@]}" || failed=1
@@ -64,7 +64,7 @@ check_rules() {
     above=$(folders_above "$folder") || { failed=1; continue; }
     [ -n "$above" ] || continue
     mapfile -t inside < <(printf '%s\n' "${all[@]}" | grep "^src/$folder/")
-    forbid 'includes from above' "^#include \"($above)/" "${inside[@]}" || failed=1
+    forbid "src/$folder includes nothing from a folder above it" "^#include \"($above)/" "${inside[@]}" || failed=1
   done
   return "$failed"
 }
