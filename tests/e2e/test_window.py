@@ -206,20 +206,6 @@ def test_going_to_the_minimum_and_back_moves_nothing(program):
     eventually(lambda: rects(program) == before, "every control is back")
 
 
-@pytest.mark.parametrize("steps", [["minimum"], [(150, 90)], [(-60, -40), (-60, -40), (40, 20)]],
-                         ids=["to the minimum", "larger", "to and fro"])
-def test_a_resize_leaves_nothing_undrawn(program, steps):
-    for step in steps:
-        if step == "minimum":
-            to_minimum(program)
-        else:
-            grow(program, *step)
-    program.activate()
-    resized = program.picture()
-    program.ask("redraw")
-    assert program.picture() == resized
-
-
 def test_maximising_lays_out_and_restoring_brings_back(program):
     before, client = rects(program), size(program.window()["client"])
     program.ask("show", SW_MAXIMIZE)

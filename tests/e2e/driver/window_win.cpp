@@ -155,12 +155,6 @@ void show_window(const Words& words, Json& answer) {
   write_window(answer, window);
 }
 
-/// redraw WINDOW: everything in it anew.
-void redraw_window(const Words& words, Json& answer) {
-  answer.boolean(RedrawWindow(window_at(words, 1), nullptr, nullptr,
-                              RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN) != FALSE);
-}
-
 /// min-size WINDOW: [width, height] that WM_GETMINMAXINFO gives. The system carries this message's
 /// record across processes itself.
 void min_size(const Words& words, Json& answer) {
@@ -183,7 +177,7 @@ constexpr Command kCommands[] = {
     {"windows", list_windows},     {"wait-window", wait_window}, {"wait-gone", wait_gone},
     {"window", show_window_state}, {"send", send_message},       {"post", post_message},
     {"move", move_window},         {"show", show_window},        {"min-size", min_size},
-    {"focus", focused_control},    {"redraw", redraw_window},
+    {"focus", focused_control},
 };
 
 }  // namespace
