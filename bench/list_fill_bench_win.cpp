@@ -6,7 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "bench/bare_list_win.h"
 #include "bench/interleaved.h"
+#include "bench/uninstall_seed_win.h"
 #include "inventory/reader.h"
 #include "orlo/orlowin.h"
 #include "view/list_model.h"
@@ -16,11 +18,6 @@ namespace {
 
 constexpr char kUninstall[] = "Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall";
 constexpr int kEntries = 2000;
-
-void set_text(HKEY key, const char* name, const std::string& text) {
-  RegSetValueExA(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
-                 static_cast<DWORD>(text.size() + 1));
-}
 
 void seed() {
   for (int i = 0; i < kEntries; ++i) {
@@ -38,35 +35,6 @@ void seed() {
     set_text(key, "UninstallString", "\"C:\\windows\\system32\\msiexec.exe\" /x " + number);
     RegCloseKey(key);
   }
-}
-
-HWND make_list(HWND parent) {
-  const HWND list =
-      CreateWindowExA(0, WC_LISTVIEWA, "", WS_CHILD | WS_VISIBLE | LVS_REPORT | LVS_SINGLESEL, 0, 0,
-                      600, 400, parent, nullptr, GetModuleHandleA(nullptr), nullptr);
-  SysListControl control(list);
-  for (int i = 0; i < kListColumns; ++i) {
-    control.add_column(i, "Column", list_column(i).width, list_column(i).align);
-  }
-  return list;
-}
-
-void fill_bare(HWND list) {
-  SendMessageA(list, WM_SETREDRAW, FALSE, 0);
-  SendMessageA(list, LVM_DELETEALLITEMS, 0, 0);
-  char text[32];
-  for (int i = 0; i < kEntries; ++i) {
-    std::snprintf(text, sizeof text, "Bench%d", i);
-    LVITEMA item = {};
-    item.mask = LVIF_TEXT | LVIF_PARAM | LVIF_IMAGE;
-    item.iItem = i;
-    item.pszText = text;
-    item.lParam = i;
-    SendMessageA(list, LVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&item));
-  }
-  SendMessageA(list, WM_SETREDRAW, TRUE, 0);
-  InvalidateRect(list, nullptr, TRUE);
-  UpdateWindow(list);
 }
 
 void fill_model(ListModel& model, HWND list, const Table& difference) {
@@ -162,7 +130,7 @@ int main(int argc, char** argv) {
   });
   print_ratios("Filling the list with 2,000 entries",
                {{"zolvane", [&] { fill_model(model, product_list, *difference); }},
-                {"floor: bare list view, frozen", [&] { fill_bare(bare_list); }}});
+                {"floor: bare list view, frozen", [&] { fill_bare(bare_list, kEntries); }}});
   const double filling = timed([&] { fill_model(model, product_list, *difference); });
   const double total = median_of([&] { return start_to_filled(argv[1]); });
   std::printf("Process start to filled list, 2,000 entries: %.0f ms\n", total);

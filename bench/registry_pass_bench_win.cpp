@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "bench/interleaved.h"
+#include "bench/uninstall_seed_win.h"
 #include "inventory/uninstall_source.h"
 
 namespace {
@@ -20,43 +21,6 @@ constexpr const char* kNames[] = {
     "NoRemove",        "NoModify",          "SystemComponent", "Comments",         "EstimatedSize",
     "Publisher",       "Contact",           "HelpLink",        "HelpTelephone",    "URLInfoAbout",
     "URLUpdateInfo"};
-
-void set_text(HKEY key, const char* name, const std::string& text) {
-  RegSetValueExA(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
-                 static_cast<DWORD>(text.size() + 1));
-}
-
-void set_number(HKEY key, const char* name, DWORD number) {
-  RegSetValueExA(key, name, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&number), sizeof number);
-}
-
-void seed() {
-  for (int i = 0; i < kSubkeys; ++i) {
-    const std::string number = std::to_string(i);
-    HKEY key = nullptr;
-    const std::string path = std::string(kPath) + "\\{" + number + "-BENCH}";
-    if (RegCreateKeyExA(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
-                        &key, nullptr) != 0) {
-      std::printf("can't seed\n");
-      std::exit(1);
-    }
-    set_text(key, "DisplayName", "Program " + number);
-    set_text(key, "DisplayVersion", "1.0." + number);
-    set_text(key, "Publisher", "Vendor " + std::to_string(i % 50));
-    set_text(key, "InstallDate", "2024" + std::to_string(1001 + i % 200).substr(1) + "1");
-    set_text(key, "InstallLocation", "C:\\Program Files\\Vendor\\Program " + number);
-    set_text(key, "UninstallString",
-             i % 2 == 0 ? "MsiExec.exe /X{" + number + "}"
-                        : "\"C:\\windows\\system32\\msiexec.exe\" /x " + number);
-    set_text(key, "DisplayIcon", "C:\\windows\\system32\\msiexec.exe,0");
-    set_text(key, "HelpLink", "https://help.example.org/" + number);
-    set_text(key, "URLInfoAbout", "https://www.example.org/" + number);
-    set_number(key, "EstimatedSize", static_cast<DWORD>(i * 10));
-    set_number(key, "WindowsInstaller", static_cast<DWORD>(i % 2 == 0));
-    set_number(key, "NoModify", 1);
-    RegCloseKey(key);
-  }
-}
 
 HKEY open_uninstall() {
   HKEY key = nullptr;
@@ -157,7 +121,7 @@ void product_pass() {
 }  // namespace
 
 int main() {
-  seed();
+  seed_uninstall(kPath, kSubkeys);
   print_ratios("Registry pass, 2,000 subkeys",
                {{"zolvane", &product_pass},
                 {"floor: values enumerated", [] { floor_pass(&enumerate_values); }},

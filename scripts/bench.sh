@@ -14,7 +14,9 @@ build() {
   cmake --preset host
   cmake --build --preset host -j "$(nproc)" --target zolvane_bench
   cmake --preset win32
-  cmake --build --preset win32 -j "$(nproc)" --target zolvane registry_pass_bench list_fill_bench
+  cmake --build --preset win32 -j "$(nproc)" \
+    --target zolvane registry_pass_bench calm_cycle_bench list_fill_bench line_read_bench \
+    list_model_bench
 }
 
 run_host() {
@@ -39,6 +41,9 @@ mkdir -p "$results"
 load=$(cut -d ' ' -f 1 /proc/loadavg)
 run_host
 run_wine registry_pass
+run_wine calm_cycle
+run_wine line_read
+run_wine list_model
 run_wine list_fill 'build\win32\zolvane.exe'
 echo "bench: $(nproc) cores, load at the start $load, $(wine --version), $(uname -m)"
 "$python" scripts/bench_figures.py "$results"

@@ -20,13 +20,37 @@ HOST = (
     ("String: copy", "BM_Copy<String>", "BM_Copy<std::string>", None),
     ("String: append 1,000 pieces", "BM_Append<String>", "BM_Append<std::string>", None),
     ("date parsing, 8 texts", "BM_ParseDates", None, None),
+    ("lines of 50 MB, overlapped", "BM_ReadLines<ORLO::OverlappedInFile>", "BM_ReadLinesFloor",
+     1.2),
+    ("lines of 50 MB, synchronous", "BM_ReadLines<ORLO::SyncInFile>", "BM_ReadLinesFloor", 1.2),
+    ("XML: reading 10,000 rows", "BM_ReadRows", "BM_ReadRowsFloor", 1.5),
+    ("XML: reading by characters", "BM_ReadRowsByCharacters", "BM_ReadRowsFloor", None),
+    ("XML: writing 10,000 rows", "BM_WriteRows", "BM_WriteRowsFloor", 1.0),
     ("wildcard search", "BM_WildcardSearch", "BM_FindInFoldedText", None),
+    ("keystroke, 200 of 10,000 match", "BM_SearchKeystroke/0", "BM_SearchKeystrokeFloor/0", 1.0),
+    ("keystroke, none of 10,000 matches", "BM_SearchKeystroke/1", "BM_SearchKeystrokeFloor/1", 1.0),
+    ("keystroke, all of 10,000 match", "BM_SearchKeystroke/2", "BM_SearchKeystrokeFloor/2", 1.0),
+    ("10,000 entries into the model", "BM_FirstFill", None, None),
+    *((f"sort of 10,000 rows by column {column}", f"BM_SortByColumn/{column}/min_time:0.050", None,
+       None) for column in range(32)),
 )
 # Title, file, candidate beside the program's own, bar (or None).
 TARGET = (
     ("registry pass, 2,000 subkeys", "registry_pass", "floor: values enumerated", 1.2),
     ("registry pass, 2,000 subkeys", "registry_pass", "naive: one query per value name", None),
+    ("cycle without a change, 5,000 subkeys", "calm_cycle", "registry pass alone", 1.1),
+    ("lines of 50 MB", "line_read", "floor: the same blocks", 1.2),
     ("list filling, 2,000 entries", "list_fill", "floor: bare list view, frozen", 2.0),
+)
+# The list model's own candidates in list_model.txt: title, candidate, candidate beside it, bar.
+LIST_MODEL = (
+    ("first fill, 10,000 rows", "first fill", "floor: bare list for first fill", 2.0),
+    ("keystroke, all of 10,000 rows match", "keystroke, all match",
+     "floor: bare list for all match", 2.0),
+    ("keystroke, 200 of 10,000 rows match", "keystroke, 200 match",
+     "floor: bare list for 200 match", 2.0),
+    ("sort of 10,000 rows by size", "sort by size", None, None),
+    ("sort of 10,000 rows by program name", "sort by program name", None, None),
 )
 
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
@@ -70,6 +94,9 @@ def main():
     for title, file, beside, bar in TARGET:
         times = target_medians(folder / f"{file}.txt")
         print_row(title, times["zolvane"], beside, times[beside], bar)
+    times = target_medians(folder / "list_model.txt")
+    for title, name, beside, bar in LIST_MODEL:
+        print_row(title, times[name], beside or "", times.get(beside), bar)
     # The split of the start is text already.
     for line in (folder / "list_fill.txt").read_text().splitlines():
         if line.startswith("Process start") or line.startswith("  pass"):

@@ -24,7 +24,7 @@ collect() {
   local corpus
   rm -rf "$folder"
   mkdir -p "$folder/tests" "$folder/testdata/fuzz"
-  cp build/win32/zolvane.exe "$folder"
+  cp build/win32/zolvane.exe build/win32/zolvane.chm "$folder"
   find build/win32 -name '*_tests.exe' -exec cp -t "$folder/tests" {} +
   corpus=$folder/testdata/fuzz/corpus
   cp -r fuzz/corpus "$corpus"

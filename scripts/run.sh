@@ -61,7 +61,9 @@ if has_screen; then
   build zolvane
   choose_prefix
   seed_if_empty
-  exec wine build/win32/zolvane.exe "$@"
+  # The viewer of the help looks for its file in the current folder.
+  cd build/win32
+  exec wine zolvane.exe "$@"
 else
   unset DISPLAY
   build zolvane zolvane-driver zolvane-probe

@@ -7,13 +7,15 @@ set -euo pipefail
 readonly purpose=${1:-all}
 
 # googletest: its sources are part of every configuration, also where no test is built.
-readonly build_packages=(cmake ninja-build g++-mingw-w64-i686-posix googletest)
+# fp-utils: the compiler of the help file.
+readonly build_packages=(
+  cmake ninja-build g++-mingw-w64-i686-posix googletest fp-utils-3.2.2)
 readonly wine_packages=(wine wine32:i386 wine64 fonts-wine)
 readonly screen_packages=(xvfb openbox xdotool imagemagick x11-utils python3)
 readonly run_packages=(locales tzdata)
 readonly test_packages=(
-  clang g++ g++-mingw-w64-x86-64-posix libbenchmark-dev libclang-rt-14-dev libgmock-dev libgtest-dev
-  python3-pytest)
+  clang g++ g++-mingw-w64-x86-64-posix libbenchmark-dev libchm-bin libclang-rt-14-dev libgmock-dev
+  libgtest-dev libxml2-dev python3-pytest)
 # "NAME SOURCE", as localedef takes them.
 readonly wanted_locales=("en_GB.UTF-8 en_GB" "de_DE.UTF-8 de_DE")
 

@@ -2,7 +2,8 @@
 # What takes hours: each fuzz target for ten million executions, with the coverage it reached, and
 # the end-to-end tests many times over.
 #   scripts/soak.sh [-n EXECUTIONS] [-r ROUNDS] [TARGET...]
-# A TARGET is the name of a fuzz target or "e2e"; without any, all take their turn, one at a time.
+# A TARGET is the name of a fuzz target, "life" (closes and refreshes by the hundred) or "e2e";
+# without any, all take their turn, one at a time.
 # What a fuzzer learns stays in build/soak/corpus, what it finds in build/soak/found; the figures
 # are printed as a table at the end and kept in build/soak/figures.tsv.
 set -euo pipefail
@@ -22,7 +23,8 @@ rounds=20
 max_len() {
   case $1 in
     usage_cache) echo 560 ;;
-    reg_text) echo 256 ;;
+    reg_text | xml_reader) echo 256 ;;
+    file_text) echo 128 ;;
     *) echo 64 ;;
   esac
 }
@@ -34,6 +36,14 @@ sources() {
     command | version) echo src/inventory/text_helpers.cpp ;;
     usage_cache) echo src/inventory/usage_cache.cpp ;;
     reg_text) echo src/platform/reg_text.cpp ;;
+    file_text)
+      echo src/orlo/buffered_in.cpp src/orlo/buffered_in_text.cpp src/orlo/read_line.cpp
+      ;;
+    xml_reader)
+      echo src/trellis/tl_native.cpp src/trellis/xml_reader.cpp src/trellis/xml_writer.cpp
+      ;;
+    xml_path) echo src/trellis/xml_path.cpp ;;
+    xml_decode) echo src/trellis/xml_text.cpp ;;
     *) echo "soak: no sources are named for the target $1" >&2; exit 2 ;;
   esac
 }
@@ -133,7 +143,7 @@ write_figures() {
 soak_e2e() {
   local round failed=0
   cmake --preset win32
-  cmake --build --preset win32 -j "$(nproc)" --target zolvane zolvane-driver zolvane-probe
+  cmake --build --preset win32 -j "$(nproc)"
   for ((round = 1; round <= rounds; ++round)); do
     if "$python" -m pytest -q -p no:cacheprovider tests/e2e >"$work/e2e.$round.log" 2>&1; then
       rm -f "$work/e2e.$round.failed"
@@ -147,6 +157,19 @@ soak_e2e() {
   [ "$failed" -eq 0 ]
 }
 
+# What the end-to-end tests do ten or fifty times, two hundred and five hundred times, with a
+# histogram of where the closes have hit; and a line of 200 MB.
+soak_life() {
+  cmake --preset host
+  cmake --build --preset host -j "$(nproc)" --target orlo_tests
+  ZOLVANE_LONG_LINE_MB=200 build/host/orlo_tests --gtest_filter='*AHugeLine*'
+  cmake --preset win32
+  cmake --build --preset win32 -j "$(nproc)" \
+    --target zolvane zolvane-held zolvane-driver zolvane-probe
+  ZOLVANE_CLOSES=200 ZOLVANE_REFRESHES=500 "$python" -m pytest -q -s -p no:cacheprovider \
+    -k 'closes or leave_nothing' tests/e2e/test_life.py tests/e2e/test_watching.py
+}
+
 while getopts n:r: option; do
   case $option in
     n) executions=$OPTARG ;;
@@ -157,17 +180,21 @@ done
 shift $((OPTIND - 1))
 mapfile -t known < <(all_targets)
 targets=("$@")
-[ "${#targets[@]}" -gt 0 ] || targets=("${known[@]}" e2e)
+[ "${#targets[@]}" -gt 0 ] || targets=("${known[@]}" life e2e)
 for target in "${targets[@]}"; do
-  [[ " ${known[*]} e2e " == *" $target "* ]] || { echo "soak: no target $target" >&2; usage; }
+  [[ " ${known[*]} life e2e " == *" $target "* ]] || { echo "soak: no target $target" >&2; usage; }
 done
 
 scripts/setup.sh
 mkdir -p "$work"
-[ "${targets[*]}" = e2e ] || build_fuzzers
+case " ${targets[*]} " in
+  " life " | " e2e " | " life e2e ") ;;
+  *) build_fuzzers ;;
+esac
 failures=0
 for target in "${targets[@]}"; do
   case $target in
+    life) soak_life || failures=$((failures + 1)) ;;
     e2e) soak_e2e || failures=$((failures + 1)) ;;
     *) soak "$target" || failures=$((failures + 1)) ;;
   esac

@@ -1,6 +1,7 @@
 // A registry in front of another one, to change things between two calls.
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <string>
@@ -15,6 +16,7 @@ class HookedRegistry : public Registry {
   using Hook = std::function<void(const std::string& operation, uint32_t index)>;
 
   HookedRegistry(Registry& behind, Hook hook) : behind_(behind), hook_(std::move(hook)) {}
+  int open_keys() const noexcept { return open_keys_; }
 
   RegStatus open(int32_t root, const char* path, uint32_t access, RegistryKey& key) override {
     hook_("open", 0);
@@ -58,6 +60,7 @@ class HookedRegistry : public Registry {
  protected:
   void close(RegistryKey::Handle handle) noexcept override {
     delete static_cast<RegistryKey*>(handle);
+    --open_keys_;
   }
 
  private:
@@ -66,10 +69,12 @@ class HookedRegistry : public Registry {
   }
   /// The handle is the key behind, which closes when it is deleted.
   void adopt(RegistryKey opened, RegistryKey& key) {
+    if (opened) ++open_keys_;
     key = opened ? RegistryKey(*this, std::make_unique<RegistryKey>(std::move(opened)).release())
                  : RegistryKey();
   }
 
   Registry& behind_;
   const Hook hook_;
+  std::atomic<int> open_keys_{0};
 };

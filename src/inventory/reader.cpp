@@ -1,6 +1,7 @@
 #include "inventory/reader.h"
 
 #include <new>
+#include <utility>
 
 #include "orlo/exception.h"
 
@@ -9,6 +10,8 @@ namespace {
 using ORLO::Lock;
 
 constexpr uint32_t kOutOfMemory = 14;
+constexpr uint32_t kWatchedChanges =
+    kRegNotifyName | kRegNotifyAttributes | kRegNotifyLastSet | kRegNotifySecurity;
 constexpr char kUninstallPath[] = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall";
 
 /// Says that a pass is over, on every way out of it.
@@ -29,21 +32,22 @@ class PassEnd {
 
 }  // namespace
 
-UninstallReader::UninstallReader(const Services& services)
+UninstallReader::UninstallReader(const Services& services, TellChange tell_change)
     : ActiveFinisher("UninstallReader"),
       apply_thread_language_(services.apply_thread_language),
+      tell_change_(std::move(tell_change)),
       table_(packageSchema()),
       source_(services.registry, services.files, services.clock) {
   Registry& registry = services.registry;
-  registry.open(kLocalMachine, kUninstallPath, kKeyRead, key_local_);
+  registry.open(kLocalMachine, kUninstallPath, kKeyRead, local_.key);
   if (services.under_wow64) {
-    registry.open(kLocalMachine, kUninstallPath, kKeyRead | kKeyWow64_64, key_local64_);
+    registry.open(kLocalMachine, kUninstallPath, kKeyRead | kKeyWow64_64, local64_.key);
   }
-  registry.open(kCurrentUser, kUninstallPath, kKeyRead, key_user_);
+  registry.open(kCurrentUser, kUninstallPath, kKeyRead, user_.key);
 }
 
 UninstallReader::~UninstallReader() {
-  stop();
+  stop(WaitMode::pump);
 }
 
 void UninstallReader::start_pass() {
@@ -51,6 +55,16 @@ void UninstallReader::start_pass() {
   done_event_.reset();
   resume();
   start_event_.set();
+}
+
+void UninstallReader::accept_loss() noexcept {
+  lost_ = true;
+  running_ = false;
+}
+
+void UninstallReader::revive() {
+  renew();
+  lost_ = false;
 }
 
 std::unique_ptr<const Table> UninstallReader::hand_over(Table& current) {
@@ -85,15 +99,25 @@ int UninstallReader::Run() {
     const PassEnd end(running_, done_event_);
     set_error_text(String());
     try {
-      pass();
-    } catch (const ORLO::Exception& exception) {
-      set_error_text(exception.what());
-    } catch (const std::bad_alloc&) {
-      set_error_text(ORLO::SDKException(kOutOfMemory).what());
+      guarded_pass();
+    } catch (...) {
+      // Before the end of the pass is told: who asks for the next one needs a new thread.
+      lost_ = true;
+      throw;
     }
   }
   running_ = false;
   return 0;
+}
+
+void UninstallReader::guarded_pass() {
+  try {
+    pass();
+  } catch (const ORLO::Exception& exception) {
+    set_error_text(exception.what());
+  } catch (const std::bad_alloc&) {
+    set_error_text(ORLO::SDKException(kOutOfMemory).what());
+  }
 }
 
 void UninstallReader::pass() {
@@ -104,17 +128,21 @@ void UninstallReader::pass() {
       unseen.insert(unseen.end(), key);
   }
   // The order is the precedence of the table: a later row with the same key replaces an earlier.
-  read_place(kLocalMachine, key_local_, false, unseen);
-  read_place(kLocalMachine, key_local64_, true, unseen);
-  read_place(kCurrentUser, key_user_, false, unseen);
+  read_place(kLocalMachine, local_, false, unseen);
+  read_place(kLocalMachine, local64_, true, unseen);
+  read_place(kCurrentUser, user_, false, unseen);
   erase_unseen(unseen);
 }
 
-void UninstallReader::read_place(int32_t root, const RegistryKey& key, bool is64BitView,
+void UninstallReader::read_place(int32_t root, Place& place, bool is64BitView,
                                  std::set<RowKey>& unseen) {
-  if (!key) return;
-  source_.readUninstallKey(root, key, unseen, is64BitView,
+  if (!place.key) return;
+  source_.readUninstallKey(root, place.key, unseen, is64BitView,
                            [this](const Row& row) { deliver(row); });
+  // Behind the first read, so that what this pass brings isn't told once more.
+  if (place.watcher != nullptr || !tell_change_) return;
+  place.watcher = std::make_unique<RegWatcherThread>(place.key, place.change_event, tell_change_,
+                                                     true, kWatchedChanges);
 }
 
 void UninstallReader::deliver(const Row& row) {

@@ -2,10 +2,12 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <set>
 
 #include "inventory/package_schema.h"
+#include "inventory/reg_watcher.h"
 #include "inventory/uninstall_source.h"
 #include "orlo/active_object.h"
 
@@ -20,17 +22,26 @@ class UninstallReader : public ORLO::ActiveFinisher {
     bool under_wow64;                 ///< there is a 64-bit view beside the process's own
     void (*apply_thread_language)();  ///< called first on the thread
   };
+  /// Called on a watcher's thread when something has changed below an Uninstall key.
+  using TellChange = std::function<void()>;
 
-  /// Opens the Uninstall keys; one that can't be opened is left out for the whole run.
-  explicit UninstallReader(const Services& services);
+  /// Opens the Uninstall keys; one that can't be opened is left out for the whole run. From its
+  /// first pass on each is watched, if there is somebody to tell.
+  explicit UninstallReader(const Services& services, TellChange tell_change = {});
   ~UninstallReader() override;
 
-  /// Asks for a pass; starts the thread the first time.
+  /// Asks for a pass; starts the thread the first time. The reader must not be lost.
   void start_pass();
   /// Signalled when a pass is over.
   ORLO::Event& done_event() noexcept { return done_event_; }
   /// True from start_pass() to the end of the pass.
   bool pass_running() const noexcept { return running_; }
+  /// True if a failure of an unknown kind is ending the thread, or has ended it.
+  bool lost() const noexcept { return lost_ || (finished() && !stop_requested()); }
+  /// To be called when thread() has ended: no pass is running any more.
+  void accept_loss() noexcept;
+  /// Gives a lost reader a new thread; its old one must have ended. The rows stay.
+  void revive();
   bool data_changed() const noexcept { return data_changed_; }
   /// What distinguishes the reader's table from `current`, which becomes a copy of it. Null if
   /// nothing has been written since the last call.
@@ -44,19 +55,30 @@ class UninstallReader : public ORLO::ActiveFinisher {
   int Run() override;
 
  private:
+  /// One of the registry's places; its watcher goes before the key that it watches.
+  struct Place {
+    ORLO::Event change_event;
+    RegistryKey key;
+    std::unique_ptr<RegWatcherThread> watcher;  ///< made by the reader's thread
+  };
+
   void pass();
-  void read_place(int32_t root, const RegistryKey& key, bool is64BitView, std::set<RowKey>& unseen);
+  /// A pass whose known failures end in error_text().
+  void guarded_pass();
+  void read_place(int32_t root, Place& place, bool is64BitView, std::set<RowKey>& unseen);
   void deliver(const Row& row);
   void erase_unseen(const std::set<RowKey>& unseen);
   void set_error_text(const String& text);
 
   void (*const apply_thread_language_)();
-  RegistryKey key_local_;
-  RegistryKey key_local64_;
-  RegistryKey key_user_;
+  const TellChange tell_change_;
+  Place local_;
+  Place local64_;
+  Place user_;
   ORLO::Event start_event_;
   ORLO::Event done_event_;
   std::atomic<bool> running_{false};
+  std::atomic<bool> lost_{false};
 
   mutable ORLO::CriticalSection data_lock_;
   // Guarded by data_lock_, but that the reader's thread, the only writer of table_ during a pass,

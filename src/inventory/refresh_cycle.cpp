@@ -1,6 +1,7 @@
 #include "inventory/refresh_cycle.h"
 
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -15,34 +16,131 @@ class Batch {
   InventoryView& view_;
 };
 
+class WaitShown {
+ public:
+  explicit WaitShown(RefreshFrame& frame) : frame_(frame) { frame_.begin_wait(); }
+  ~WaitShown() { frame_.end_wait(); }
+  WaitShown(const WaitShown&) = delete;
+  WaitShown& operator=(const WaitShown&) = delete;
+
+ private:
+  RefreshFrame& frame_;
+};
+
+/// A section that has been entered, for a scope.
+class Entered {
+ public:
+  explicit Entered(ORLO::CriticalSection& section) : section_(section) {}
+  ~Entered() { section_.leave(); }
+  Entered(const Entered&) = delete;
+  Entered& operator=(const Entered&) = delete;
+
+ private:
+  ORLO::CriticalSection& section_;
+};
+
+class Flagged {
+ public:
+  explicit Flagged(bool& flag) : flag_(flag) { flag_ = true; }
+  ~Flagged() { flag_ = false; }
+  Flagged(const Flagged&) = delete;
+  Flagged& operator=(const Flagged&) = delete;
+
+ private:
+  bool& flag_;
+};
+
 }  // namespace
 
-RefreshCycle::RefreshCycle(UninstallReader& reader, Table& currentTable, InventoryView& view,
-                           const ORLO::Clock& clock, Wait wait)
-    : reader_(reader), current_table_(currentTable), view_(view), clock_(clock), wait_(wait) {}
+RefreshCycle::RefreshCycle(const Parts& parts, Wait wait) : parts_(parts), wait_(wait) {}
 
+void RefreshCycle::requestRefresh() {
+  ++refresh_count_;
+  if (refreshing_ || ended_) return;
+  const Flagged refreshing(refreshing_);
+  afresh_due_ = false;
+  bool finished = run_whole();
+  while (finished && !ended_ && std::exchange(afresh_due_, false)) {
+    forget();
+    finished = run_whole();
+  }
+  if (finished) parts_.frame.refreshed();
+}
+
+void RefreshCycle::requestAfresh() {
+  // What is forgotten now wouldn't come again.
+  if (!ended_) forget();
+  afresh_due_ = true;
+  requestRefresh();
+}
+
+void RefreshCycle::forget() {
+  parts_.frame.forget_entries();
+  parts_.currentTable.clear_rows();
+  parts_.reader.clear();
+}
+
+/// A cycle and what it has to tell. False if it was abandoned.
+bool RefreshCycle::run_whole() {
+  if (!run()) return false;
+  const String failure = parts_.reader.error_text();
+  if (!failure.empty()) parts_.frame.show_failure(failure);
+  return true;
+}
+
+/// False if the cycle was abandoned.
 bool RefreshCycle::run() {
-  reader_.start_pass();
-  view_.clear_marks();
-  while (reader_.pass_running() || reader_.data_changed()) {
+  const WaitShown shown(parts_.frame);
+  if (!ORLO::try_enter_with_messages(parts_.listLock)) return false;
+  const Entered entered(parts_.listLock);
+  return run_locked();
+}
+
+bool RefreshCycle::run_locked() {
+  UninstallReader& reader = parts_.reader;
+  if (!revive_reader()) return false;
+  reader.start_pass();
+  parts_.view.clear_marks();
+  while (reader.pass_running() || reader.data_changed()) {
     // Each pass ends in a signal. One that comes late, after the next pass was asked for, only
     // makes for a round more.
-    if (!wait_(reader_.done_event(), ORLO::kInfinite)) return false;
-    if (const std::unique_ptr<const Table> difference = reader_.hand_over(current_table_)) {
+    if (!wait_for_pass()) return false;
+    if (const std::unique_ptr<const Table> difference = reader.hand_over(parts_.currentTable)) {
       apply(*difference);
     }
   }
+  parts_.frame.show_counts();
   return true;
+}
+
+/// A reader that was lost may still be showing why. False if the wait for that was given up.
+bool RefreshCycle::revive_reader() {
+  if (!parts_.reader.lost()) return true;
+  ORLO::Waitable* const items[] = {&parts_.reader.thread()};
+  int result = ORLO::kWaitOvertaken;
+  while (result == ORLO::kWaitOvertaken)
+    result = wait_(items, 1, ORLO::kInfinite);
+  if (result != 0) return false;
+  parts_.reader.revive();
+  return true;
+}
+
+/// False if the program is to quit.
+bool RefreshCycle::wait_for_pass() {
+  ORLO::Waitable* const items[] = {&parts_.reader.done_event(), &parts_.reader.thread()};
+  const int result = wait_(items, 2, ORLO::kInfinite);
+  if (result == 1) parts_.reader.accept_loss();
+  return result != ORLO::kWaitQuit;
 }
 
 void RefreshCycle::apply(const Table& difference) {
   if (difference.size() == 0) return;
-  const Batch batch(view_);
+  const Batch batch(parts_.view);
   for (const auto& [key, row] : difference.rows) {
     if (row.marker == Row::kRemoved) {
-      view_.removeEntry(key);
+      parts_.view.removeEntry(key);
     } else {
-      view_.applyEntry(UninstallEntry::fromRow(row, clock_));
+      parts_.view.applyEntry(UninstallEntry::fromRow(row, parts_.clock));
     }
   }
 }

@@ -4,6 +4,7 @@
 #include "inventory/entry.h"
 #include "inventory/reader.h"
 #include "inventory/table.h"
+#include "orlo/message_wait.h"
 
 /// Takes what a refresh brings, on the main thread.
 class InventoryView {
@@ -18,25 +19,63 @@ class InventoryView {
   virtual void end_batch() noexcept = 0;
 };
 
+/// What shows, around the list, that a refresh goes on and how it ended.
+class RefreshFrame {
+ public:
+  virtual ~RefreshFrame() = default;
+  /// Every entry goes.
+  virtual void forget_entries() = 0;
+  virtual void begin_wait() = 0;
+  virtual void end_wait() noexcept = 0;
+  virtual void show_counts() = 0;
+  /// Returns when the user has read it.
+  virtual void show_failure(const String& text) = 0;
+  /// The list is up to date.
+  virtual void refreshed() = 0;
+};
+
 /// Lives on the main thread.
 class RefreshCycle {
  public:
-  /// Waits for the event and keeps the window alive meanwhile; false if the program is ending.
-  using Wait = bool (*)(ORLO::Waitable& item, uint32_t timeout);
+  /// Waits while windows stay alive; as ORLO::wait_with_messages.
+  using Wait = int (*)(ORLO::Waitable* const* items, size_t count, uint32_t timeout);
+  struct Parts {
+    UninstallReader& reader;
+    Table& currentTable;
+    ORLO::CriticalSection& listLock;  ///< held while a cycle runs
+    InventoryView& view;
+    RefreshFrame& frame;
+    const ORLO::Clock& clock;
+  };
 
-  RefreshCycle(UninstallReader& reader, Table& currentTable, InventoryView& view,
-               const ORLO::Clock& clock, Wait wait = &ORLO::wait_pumping);
+  /// All parts must outlive the cycle.
+  explicit RefreshCycle(const Parts& parts, Wait wait = &ORLO::wait_with_messages);
 
-  /// Returns when the reader is idle again and the view up to date; false if the wait was given
-  /// up, with nothing handed over.
-  bool run();
+  /// Runs a cycle, and returns when the reader is idle again and the view up to date. While one is
+  /// running, and after end(), the request is only counted. If the program is told to quit
+  /// meanwhile, the cycle is abandoned with nothing handed over.
+  void requestRefresh();
+  /// Forgets all that is known and runs a cycle; while one is running, another one follows it, as
+  /// the rows that it has read by now are forgotten too. After end() only counted.
+  void requestAfresh();
+  bool refreshing() const noexcept { return refreshing_; }
+  unsigned refreshCount() const noexcept { return refresh_count_; }
+  /// From here on no cycle starts; one that runs goes on to its end.
+  void end() noexcept { ended_ = true; }
 
  private:
+  void forget();
+  bool run_whole();
+  bool run();
+  bool run_locked();
+  bool revive_reader();
+  bool wait_for_pass();
   void apply(const Table& difference);
 
-  UninstallReader& reader_;
-  Table& current_table_;
-  InventoryView& view_;
-  const ORLO::Clock& clock_;
+  const Parts parts_;
   const Wait wait_;
+  unsigned refresh_count_ = 0;
+  bool refreshing_ = false;
+  bool ended_ = false;
+  bool afresh_due_ = false;
 };

@@ -3,8 +3,10 @@
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
 
 #include "orlo/thread.h"
+#include "orlo/thread_wake.h"
 
 namespace ORLO {
 
@@ -21,11 +23,12 @@ class ActiveObject {
   ActiveObject(const ActiveObject&) = delete;
   ActiveObject& operator=(const ActiveObject&) = delete;
 
-  void resume() { thread_.resume(); }
+  void resume() { thread_->resume(); }
   /// True from the start of the thread to its end.
-  bool running() const noexcept { return thread_.resumed() && !finished(); }
+  bool running() const noexcept { return thread_->resumed() && !finished(); }
   /// Asks the thread to finish; with a wait mode also waits for its end, unless called on the
-  /// thread itself or the thread was never resumed. True if the thread is known to have ended.
+  /// thread itself or the thread was never resumed. A pumping wait puts off a WM_QUIT until it is
+  /// through. True if the thread is known to have ended.
   bool stop(WaitMode mode = WaitMode::block, uint32_t timeout = kInfinite);
 
   const char* name() const noexcept { return name_; }
@@ -33,7 +36,7 @@ class ActiveObject {
   bool finished() const noexcept { return finished_; }
   /// -1 until Run has ended, and if it failed.
   int exit_code() const noexcept { return exit_code_; }
-  Thread& thread() noexcept { return thread_; }
+  Thread& thread() noexcept { return *thread_; }
 
  protected:
   /// Runs first on the new thread. If it fails, Run isn't called.
@@ -42,16 +45,22 @@ class ActiveObject {
   /// Gets the thread out of its wait.
   virtual void FlushThread() = 0;
   virtual void OnFinished(int exit_code);
+  /// Puts a new suspended thread in the place of one that has ended.
+  void renew();
 
  private:
-  void thread_main() noexcept;
+  class Reachable;
+  int thread_main() noexcept;
+  void wake();
 
   const char* const name_;
   Event* const finish_event_;
   std::atomic<int> stop_requested_{0};
   std::atomic<bool> finished_{false};
   std::atomic<int> exit_code_{-1};
-  Thread thread_;
+  ThreadWake* wake_ =
+      nullptr;  ///< guarded by a lock that all objects share; null while not running
+  std::unique_ptr<Thread> thread_;
 };
 
 /// Woken out of its wait by an event.
@@ -66,9 +75,5 @@ class ActiveFinisher : public ActiveObject {
  private:
   Event finish_signal_;
 };
-
-/// Waits for one item while the calling thread's windows stay alive. False on time-out or if the
-/// wait was given up because the program is to quit.
-bool wait_pumping(Waitable& item, uint32_t timeout);
 
 }  // namespace ORLO

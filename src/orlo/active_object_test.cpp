@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <functional>
 #include <stdexcept>
 #include <vector>
 
+#include "orlo/com_error.h"
 #include "orlo/report.h"
 
 namespace ORLO {
@@ -113,6 +115,105 @@ TEST(ActiveObject, StandardExceptionIsReportedWithItsText) {
   ASSERT_TRUE(wait_for(worker.thread(), 10000));
   ASSERT_EQ(reports.texts.size(), 1u);
   EXPECT_STREQ(reports.texts[0].c_str(), "An exception occured:\nbad luck\n");
+}
+
+TEST(ActiveObject, ComErrorIsReportedWithItsTexts) {
+  const CollectedReports reports;
+  Worker worker([](Worker&) -> int { throw ComError(-1, "Source", "Description"); });
+  worker.resume();
+  ASSERT_TRUE(wait_for(worker.thread(), 10000));
+  EXPECT_EQ(worker.exit_code(), -1);
+  ASSERT_EQ(reports.texts.size(), 1u);
+  EXPECT_STREQ(reports.texts[0].c_str(),
+               com_error_text(ComError(-1, "Source", "Description")).c_str());
+}
+
+TEST(ActiveObject, UnknownExceptionIsReportedOnceAndEndsWithMinusOne) {
+  const CollectedReports reports;
+  Worker worker([](Worker&) -> int { throw 42; });
+  worker.resume();
+  ASSERT_TRUE(wait_for(worker.thread(), 10000));
+  EXPECT_EQ(worker.exit_code(), -1);
+  ASSERT_EQ(reports.texts.size(), 1u);
+  EXPECT_STREQ(reports.texts[0].c_str(),
+               "Ein Fehler trat auf w\xe4hrend -NO-CONTEXT-:\ngeneric exception");
+}
+
+TEST(ActiveObject, FailedInitKeepsRunAndTheWordOfTheEndFromBeingCalled) {
+  class Failing : public ActiveFinisher {
+   public:
+    explicit Failing(Event* finish_event) : ActiveFinisher("Failing", finish_event) {}
+    ~Failing() override { stop(); }
+    std::atomic<bool> ran{false};
+    std::atomic<bool> told{false};
+
+   protected:
+    void Init() override { throw BreakException(); }
+    int Run() override {
+      ran = true;
+      return 0;
+    }
+    void OnFinished(int exit_code) override {
+      told = true;
+      ActiveFinisher::OnFinished(exit_code);
+    }
+  };
+  Event done;
+  Failing worker(&done);
+  worker.resume();
+  ASSERT_TRUE(wait_for(worker.thread(), 10000));
+  EXPECT_FALSE(worker.ran);
+  EXPECT_FALSE(worker.told);
+  EXPECT_FALSE(wait_for(done, 0));
+  EXPECT_TRUE(worker.finished());
+  EXPECT_EQ(worker.exit_code(), -1);
+}
+
+TEST(ActiveObject, StopWakesWhateverItsThreadWaitsFor) {
+  Event ready;
+  std::atomic<int> called{0};
+  Worker worker([&](Worker&) {
+    ThreadWake& wake = current_thread_wake();
+    wake.wake_context = &called;
+    wake.wake_function = [](void* context) { ++*static_cast<std::atomic<int>*>(context); };
+    ready.set();
+    const bool woken = wait_for(wake.wake_event, 10000);
+    return woken ? wake.wake_count.load() : -2;
+  });
+  worker.resume();
+  ASSERT_TRUE(wait_for(ready, 10000));
+  worker.stop();
+  EXPECT_EQ(worker.exit_code(), 1);
+  EXPECT_EQ(called, 1);
+  worker.stop();
+  EXPECT_EQ(called, 1);
+}
+
+TEST(ActiveObject, RenewedRunsOnANewThread) {
+  class Renewed : public ActiveFinisher {
+   public:
+    Renewed() : ActiveFinisher("Renewed") {}
+    ~Renewed() override { stop(); }
+    void again() {
+      renew();
+      EXPECT_FALSE(finished());
+      EXPECT_EQ(exit_code(), -1);
+      resume();
+    }
+
+   protected:
+    int Run() override { return ++runs_; }
+
+   private:
+    int runs_ = 0;
+  };
+  Renewed worker;
+  worker.resume();
+  ASSERT_TRUE(wait_for(worker.thread(), 10000));
+  EXPECT_EQ(worker.exit_code(), 1);
+  worker.again();
+  ASSERT_TRUE(wait_for(worker.thread(), 10000));
+  EXPECT_EQ(worker.exit_code(), 2);
 }
 
 TEST(Report, SecondOneDuringTheFirstIsDropped) {

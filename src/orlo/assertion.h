@@ -3,12 +3,18 @@
 
 namespace ORLO {
 
-/// Says which condition failed, and where, and ends the process.
-[[noreturn]] void assertion_failed(const char* expression, const char* source, int line) noexcept;
+/// Says which condition failed, and where: once for each expression, and not during shut-down.
+void assertion_failed(const char* expression, const char* source, int line) noexcept;
 
-inline void check_assertion(bool holds, const char* expression, const char* source,
+/// True if the condition holds; otherwise reports it, and the caller goes on with the result that
+/// it has for this case. The texts must live to the end of the process.
+inline bool check_assertion(bool holds, const char* expression, const char* source,
                             int line) noexcept {
   if (!holds) assertion_failed(expression, source, line);
+  return holds;
 }
+
+/// Forgets which expressions have been reported, for tests.
+void forget_failed_assertions() noexcept;
 
 }  // namespace ORLO

@@ -54,5 +54,12 @@ class Controller {
 
 /// The controller that keeps itself at `index` of the window's long values; null if there is none.
 Controller* attached_controller(HWND window, int index) noexcept;
+/// The same through the thread's cache, for window procedures: the calling thread owns the window.
+Controller* plain_controller_of_own_window(HWND window) noexcept;
+Controller* dialog_controller_of_own_window(HWND window) noexcept;
+
+/// The controller of a window that calls itself a plain one or a dialog of ours; null for a control
+/// that was taken over and for all other windows.
+Controller* controller_of(HWND window) noexcept;
 
 }  // namespace ORLO

@@ -4,7 +4,7 @@
 #include <exception>
 
 #include "orlo/controller.h"
-#include "orlo/report.h"
+#include "orlo/window_reports.h"
 
 namespace ORLO {
 
@@ -30,25 +30,29 @@ class ControllerCall {
   const Controller::Message message_;
 };
 
-/// Reports on behalf of a window. A failing paint is validated before and after, or it would come
-/// again forever behind the box.
-void report_in_window(const Exception& exception, HWND window, UINT message);
-void report_in_window(const std::exception& exception, HWND window, UINT message);
-
 /// The barrier between handlers and the system: no failure passes, each one is reported. Yields 0
 /// after a failure.
-template <typename Call>
-LRESULT guarded(HWND window, UINT message, const Call& call) noexcept {
+template <typename Call, typename Report>
+LRESULT guarded_call(const Call& call, const Report& report) noexcept {
   try {
     return call();
   } catch (const Exception& exception) {
-    report_in_window(exception, window, message);
+    report(exception);
+  } catch (const ComError& error) {
+    report(error);
   } catch (const std::exception& exception) {
-    report_in_window(exception, window, message);
+    report(exception);
   } catch (...) {
-    report_in_window(UserException("unknown exception"), window, message);
+    report(UserException("unknown exception"));
   }
   return 0;
+}
+
+/// For a window procedure.
+template <typename Call>
+LRESULT guarded(HWND window, UINT message, const Call& call) noexcept {
+  return guarded_call(call,
+                      [&](const auto& failure) { report_in_window(failure, window, message); });
 }
 
 }  // namespace ORLO

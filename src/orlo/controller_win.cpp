@@ -1,14 +1,46 @@
 #include "orlo/controller.h"
 
 #include "orlo/assertion.h"
+#include "orlo/com_objects.h"
 #include "orlo/controller_call.h"
 #include "orlo/thread_record.h"
 
 namespace ORLO {
 namespace {
 
-void validate_if_painting(HWND window, UINT message) {
-  if (message == WM_PAINT) ValidateRect(window, nullptr);
+/// What this thread's window procedures looked up last. Only the thread that owns a window looks it
+/// up, and a controller takes itself out when it leaves its window.
+struct LookupCache {
+  HWND last_window = nullptr;
+  Controller* last_controller = nullptr;
+  HWND last_dialog = nullptr;
+  Controller* last_dialog_controller = nullptr;
+};
+
+LookupCache& lookup_cache() noexcept {
+  thread_local LookupCache cache;
+  return cache;
+}
+
+void forget_lookup(HWND window) noexcept {
+  LookupCache& cache = lookup_cache();
+  if (cache.last_window == window) cache.last_window = nullptr;
+  if (cache.last_dialog == window) cache.last_dialog = nullptr;
+}
+
+Controller* look_up(HWND window, int index, HWND& last, Controller*& last_found) noexcept {
+  if (window == last) return last_found;
+  Controller* const found = attached_controller(window, index);
+  if (found == nullptr) return nullptr;
+  last = window;
+  last_found = found;
+  return found;
+}
+
+/// A main window that others still use through an object of the library's stays, unseen.
+bool hide_instead_of_closing(HWND window) {
+  if (window != current_thread_record()._hmainwnd || in_shutdown()) return false;
+  return com_objects().while_in_use([window] { ShowWindow(window, SW_HIDE); });
 }
 
 }  // namespace
@@ -28,6 +60,7 @@ Controller::~Controller() {
 LRESULT Controller::WndProc(UINT message, WPARAM wparam, LPARAM lparam) {
   if (message == kMsgIdentity) return kPlainIdentity;
   if (message == WM_SETCURSOR && keep_thread_cursor(lparam)) return 1;
+  if (message == WM_CLOSE && hide_instead_of_closing(_hwnd)) return 0;
   return DefWindowProcA(_hwnd, message, wparam, lparam);
 }
 
@@ -36,7 +69,7 @@ void Controller::Size(WPARAM, int, int) {}
 void Controller::Paint() {
   PAINTSTRUCT paint;
   const HDC _hdc = BeginPaint(_hwnd, &paint);
-  check_assertion(_hdc != nullptr, "_hdc", "controller", __LINE__);
+  if (!check_assertion(_hdc != nullptr, "_hdc", "controller", __LINE__)) return;
   EndPaint(_hwnd, &paint);
 }
 
@@ -53,6 +86,7 @@ LRESULT Controller::Frame(unsigned) {
 void Controller::attach(int index) {
   const LONG_PTR old_userdata = GetWindowLongPtrA(_hwnd, index);
   check_assertion(old_userdata == 0, "!old_userdata", "controller", __LINE__);
+  forget_lookup(_hwnd);
   SetWindowLongPtrA(_hwnd, index, reinterpret_cast<LONG_PTR>(this));
   attached_index_ = index;
   attached_ = true;
@@ -61,6 +95,7 @@ void Controller::attach(int index) {
 void Controller::detach() noexcept {
   if (!attached_) return;
   attached_ = false;
+  forget_lookup(_hwnd);
   if (attached_controller(_hwnd, attached_index_) == this) {
     SetWindowLongPtrA(_hwnd, attached_index_, 0);
   }
@@ -81,6 +116,23 @@ bool Controller::keep_thread_cursor(LPARAM hit) noexcept {
 
 Controller* attached_controller(HWND window, int index) noexcept {
   return reinterpret_cast<Controller*>(GetWindowLongPtrA(window, index));
+}
+
+Controller* plain_controller_of_own_window(HWND window) noexcept {
+  LookupCache& cache = lookup_cache();
+  return look_up(window, GWLP_USERDATA, cache.last_window, cache.last_controller);
+}
+
+Controller* dialog_controller_of_own_window(HWND window) noexcept {
+  LookupCache& cache = lookup_cache();
+  return look_up(window, DWLP_USER, cache.last_dialog, cache.last_dialog_controller);
+}
+
+Controller* controller_of(HWND window) noexcept {
+  const LRESULT identity = SendMessageA(window, kMsgIdentity, 0, 0);
+  if ((identity & ~kDialogBit) != kPlainIdentity) return nullptr;
+  if (identity == kDialogIdentity) return attached_controller(window, DWLP_USER);
+  return attached_controller(window, GWLP_USERDATA);
 }
 
 ControllerCall::ControllerCall(Controller& controller, UINT message, WPARAM wparam,
@@ -122,18 +174,6 @@ LRESULT ControllerCall::route(LRESULT handled) {
 void ControllerCall::dispose() noexcept {
   controller_->detach();
   controller_->doomed_ = true;
-}
-
-void report_in_window(const Exception& exception, HWND window, UINT message) {
-  validate_if_painting(window, message);
-  report_exception(exception, window);
-  validate_if_painting(window, message);
-}
-
-void report_in_window(const std::exception& exception, HWND window, UINT message) {
-  validate_if_painting(window, message);
-  report_std_exception(exception, window);
-  validate_if_painting(window, message);
 }
 
 }  // namespace ORLO

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "orlo/controller_call.h"
+#include "orlo/core_resources.h"
 #include "orlo/exception.h"
 #include "orlo/message_loop.h"
 #include "orlo/thread_record.h"
@@ -11,6 +12,7 @@ namespace ORLO {
 namespace {
 
 /// Commands of a window's frame.
+constexpr unsigned kFrameAbout = 0x8000;
 constexpr unsigned kFrameClose = 0x8001;
 
 constexpr INT_PTR kNeverCameUp = -1;
@@ -26,6 +28,13 @@ class ModalScope {
  private:
   const int outer_depth_;
 };
+
+/// Messages whose result a dialog procedure returns by itself.
+bool returns_its_result(UINT message) {
+  return (message >= WM_CTLCOLORMSGBOX && message <= WM_CTLCOLORSTATIC) ||
+         message == WM_COMPAREITEM || message == WM_VKEYTOITEM || message == WM_CHARTOITEM ||
+         message == WM_QUERYDRAGICON || message == WM_INITDIALOG;
+}
 
 void abandon(HWND window, bool modal) noexcept {
   // Destroying a modal dialog's window while it starts would leave its owner disabled.
@@ -59,6 +68,9 @@ LRESULT DlgController::Command(unsigned id, unsigned, HWND) {
     case IDCANCEL:
       EndDialog(IDCANCEL);
       return 1;
+    case kFrameAbout:
+      show_library_about(_hwnd);
+      return 1;
     case kFrameClose:
       PostMessageA(_hwnd, WM_CLOSE, 0, 0);
       return 1;
@@ -86,12 +98,11 @@ void DlgController::OnOk() {
 }
 
 void DlgController::EndDialog(INT_PTR result) {
-  // A modeless dialog's window goes away at once, and this object with the last call into it.
-  if (is_modal_) {
-    ::EndDialog(_hwnd, result);
-  } else {
-    DestroyWindow(_hwnd);
-  }
+  const HWND window = _hwnd;
+  const bool modeless = !is_modal_;
+  ::EndDialog(window, result);
+  // Its window goes away at once, and this object with the last call into it.
+  if (modeless) DestroyWindow(window);
 }
 
 LRESULT DlgController::set_result(LRESULT result) const noexcept {
@@ -125,28 +136,34 @@ HWND Dialog::DoModeless(HINSTANCE instance, const DLGTEMPLATE* dialog, HWND pare
 }
 
 INT_PTR CALLBACK Dialog::dialog_proc(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-  Controller* const controller = attached_controller(window, DWLP_USER);
+  Controller* const controller = dialog_controller_of_own_window(window);
   if (controller == nullptr) {
     if (message != WM_INITDIALOG) return 0;
     return start(window, wparam, *reinterpret_cast<Start*>(lparam));
   }
   ControllerCall call(*controller, message, wparam, lparam);
-  if (message == WM_DESTROY) {
+  if (message == WM_DESTROY || message == WM_NCDESTROY) {
     call.dispose();
     return 0;
   }
-  const LRESULT result = guarded(window, message, [&] { return call.route(1); });
-  if (message != kMsgCommand && message != kMsgFrame) return result;
-  // A child that sends one of these is to get the value itself.
+  bool failed = true;
+  const LRESULT result = guarded(window, message, [&] {
+    const LRESULT routed = call.route(1);
+    failed = false;
+    return routed;
+  });
+  if (!failed && message != kMsgCommand && message != kMsgFrame) return result;
+  // A child's message gets the value itself, and a message that failed counts as handled with 0.
+  if (returns_its_result(message)) return result;
   SetWindowLongPtrA(window, DWLP_MSGRESULT, result);
   return 1;
 }
 
 INT_PTR Dialog::start(HWND window, WPARAM focus, Start& start) {
   start.window_made = true;
-  filter_dialog_keys();
   DlgController* controller = nullptr;
   guarded(window, WM_INITDIALOG, [&]() -> LRESULT {
+    filter_dialog_keys();
     auto made = (*start.factory)(window);
     if (made == nullptr) return 0;
     made->is_modal_ = start.modal;

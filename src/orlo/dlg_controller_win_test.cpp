@@ -149,6 +149,29 @@ TEST(Dialog, HandlersFailuresAreReportedAndTheDialogGoesOn) {
   EXPECT_EQ(reports.texts[1], "An exception occured:\nsecond\n");
 }
 
+TEST(Dialog, MessageWhoseHandlerFailedIsNotHandledByTheSystemToo) {
+  const CollectedReports reports;
+  struct FailsToClose : ScriptedDlg {
+    using ScriptedDlg::ScriptedDlg;
+    LRESULT WndProc(UINT message, WPARAM wparam, LPARAM lparam) override {
+      if (message == WM_CLOSE) throw UserException("not yet");
+      return ScriptedDlg::WndProc(message, wparam, lparam);
+    }
+  };
+  const auto script = [step = 0](DlgController& dialog) mutable {
+    if (step++ == 0) {
+      // The system's own handling posts the command that cancels.
+      EXPECT_EQ(SendMessageA(dialog.window(), WM_CLOSE, 0, 0), 0);
+      PostMessageA(dialog.window(), kAct, 0, 0);
+    } else {
+      dialog.EndDialog(5);
+    }
+  };
+  EXPECT_EQ(run_modal([&](HWND window) { return std::make_unique<FailsToClose>(window, script); }),
+            5);
+  EXPECT_EQ(reports.texts.size(), 1u);
+}
+
 struct CountingPara : ParaStruct {
   explicit CountingPara(std::vector<bool>& updates) : updates_(updates) {}
   void updateControls() override {
@@ -190,6 +213,37 @@ TEST(DlgController, FailureWhileStoringKeepsTheDialogOpen) {
   EXPECT_NE(reports.texts[0].find("bad number"), std::string::npos);
 }
 
+TEST(DlgController, RefusalToCloseKeepsTheDialogOpen) {
+  struct Refusing : ScriptedDlg {
+    using ScriptedDlg::ScriptedDlg;
+    bool CanClose(bool save) override { return !save; }
+  };
+  const auto script = [](DlgController& dialog) {
+    send_command(dialog.window(), IDOK);
+    dialog.EndDialog(78);
+  };
+  EXPECT_EQ(run_modal([&](HWND window) { return std::make_unique<Refusing>(window, script); }), 78);
+}
+
+TEST(DlgController, DialogWhoseControlsCannotBeFilledNeverOpens) {
+  const CollectedReports reports;
+  struct Unfillable : ScriptedDlg {
+    Unfillable(HWND window, bool fails)
+        : ScriptedDlg(window, [](DlgController& dialog) { dialog.EndDialog(1); }), fails_(fails) {}
+    bool CanClose(bool) override {
+      if (fails_) throw UserException("nothing to show");
+      return false;
+    }
+    const bool fails_;
+  };
+  for (const bool fails : {false, true}) {
+    SCOPED_TRACE(fails);
+    EXPECT_EQ(run_modal([&](HWND window) { return std::make_unique<Unfillable>(window, fails); }),
+              -1);
+  }
+  EXPECT_EQ(reports.texts.size(), 1u);
+}
+
 TEST(DlgController, ExitFunctionGetsTheParametersOnOkOnly) {
   for (const WORD command : {WORD{IDOK}, WORD{IDCANCEL}}) {
     SCOPED_TRACE(command);
@@ -208,7 +262,9 @@ TEST(DlgController, TellsItsIdentity) {
   DlgController* found = nullptr;
   DlgController* self = nullptr;
   DlgController* of_child = nullptr;
+  Controller* as_any_kind = nullptr;
   run_script([&](DlgController& dialog) {
+    as_any_kind = controller_of(dialog.window());
     self = &dialog;
     identity = SendMessageA(dialog.window(), kMsgIdentity, 0, 0);
     found = dialog_controller(dialog.window());
@@ -217,32 +273,61 @@ TEST(DlgController, TellsItsIdentity) {
   });
   EXPECT_EQ(identity, 0x53C10008);
   EXPECT_EQ(found, self);
+  EXPECT_EQ(as_any_kind, self);
   EXPECT_EQ(of_child, nullptr);
 }
 
 TEST(DlgController, ModelessDialogMayEndItselfInsideAHandler) {
   TestTemplate plan = simple_plan();
   bool destroyed = false;
+  bool destroyed_in_handler = true;
   struct Marked : ScriptedDlg {
-    Marked(HWND window, bool& flag)
-        : ScriptedDlg(window,
-                      [this](DlgController& dialog) {
-                        dialog.EndDialog(1);
-                        // The object outlives its window up to the end of this handler.
-                        alive_after_end = !gone;
-                      }),
-          gone(flag) {}
+    Marked(HWND window, Script script, bool& flag)
+        : ScriptedDlg(window, std::move(script)), gone(flag) {}
     ~Marked() override { gone = true; }
     bool& gone;
-    bool alive_after_end = false;
   };
-  const HWND window =
-      Dialog::DoModeless(GetModuleHandleA(nullptr), plan.get(), nullptr,
-                         [&](HWND made) { return std::make_unique<Marked>(made, destroyed); });
+  const auto script = [&](DlgController& dialog) {
+    const HWND own = dialog.window();
+    dialog.EndDialog(1);
+    EXPECT_FALSE(IsWindow(own));
+    destroyed_in_handler = destroyed;
+  };
+  const HWND window = Dialog::DoModeless(
+      GetModuleHandleA(nullptr), plan.get(), nullptr,
+      [&](HWND made) { return std::make_unique<Marked>(made, script, destroyed); });
   ASSERT_NE(window, nullptr);
   SendMessageA(window, kAct, 0, 0);
   EXPECT_FALSE(IsWindow(window));
+  EXPECT_FALSE(destroyed_in_handler);
   EXPECT_TRUE(destroyed);
+}
+
+TEST(DlgController, ModelessDialogMayGoWhileItsControlsAreFilled) {
+  for (const bool fills : {false, true}) {
+    SCOPED_TRACE(fills);
+    TestTemplate plan = simple_plan();
+    struct Vanishing : DlgController {
+      Vanishing(HWND window, bool filled, int& alive_count)
+          : DlgController(window), fills_(filled), count(alive_count) {
+        ++count;
+      }
+      ~Vanishing() override { --count; }
+      bool CanClose(bool) override {
+        DestroyWindow(_hwnd);
+        EXPECT_EQ(count, 1);
+        return fills_;
+      }
+      const bool fills_;
+      int& count;
+    };
+    int alive = 0;
+    EXPECT_EQ(Dialog::DoModeless(
+                  GetModuleHandleA(nullptr), plan.get(), nullptr,
+                  [&](HWND made) { return std::make_unique<Vanishing>(made, fills, alive); }),
+              nullptr);
+    EXPECT_EQ(alive, 0);
+  }
 }
 
 TEST(DlgController, EndOfTheMainWindowEndsTheMessageLoop) {
@@ -421,6 +506,36 @@ TEST(ResizeController, TellsItsSmallestSizeAndItsClientSpace) {
   EXPECT_EQ(limits.ptMinTrackSize.x, width(frame));
   EXPECT_EQ(limits.ptMinTrackSize.y, height(frame));
   EXPECT_TRUE(EqualRect(&space, &client));
+}
+
+TEST(ResizeController, LaysOutForEachSizeButAMinimisedOne) {
+  struct Laid : ScriptedDlg {
+    Laid(HWND window, Script script) : ScriptedDlg(window, std::move(script)) {
+      const ResizeRule rule = {kEditId, kMoveLeft | kMoveRight};
+      resizer.add(&rule, 1);
+      resizer.init(window);
+    }
+  };
+  constexpr WPARAM types[] = {SIZE_MINIMIZED, SIZE_RESTORED, SIZE_MINIMIZED, SIZE_MAXIMIZED};
+  std::vector<LONG> moved_by;
+  run_modal([&](HWND window) {
+    return std::make_unique<Laid>(window, [&](DlgController& dialog) {
+      const HWND edit = GetDlgItem(dialog.window(), kEditId);
+      RECT start = {};
+      RECT client = {};
+      GetWindowRect(edit, &start);
+      GetClientRect(dialog.window(), &client);
+      for (const WPARAM type : types) {
+        client.right += 10;
+        SendMessageA(dialog.window(), WM_SIZE, type, MAKELPARAM(client.right, client.bottom));
+        RECT place = {};
+        GetWindowRect(edit, &place);
+        moved_by.push_back(place.left - start.left);
+      }
+      dialog.EndDialog(1);
+    });
+  });
+  EXPECT_EQ(moved_by, (std::vector<LONG>{0, 20, 20, 40}));
 }
 
 TEST(CtlColorController, TakesTheBrushFromTheControl) {

@@ -33,6 +33,7 @@ class ExceptionContext {
 /// The text, with the object on a second line if there is one.
 String context_text(const ExceptionContext& context);
 
+/// Caught by reference. A copy has a text and a context of its own.
 class Exception {
  public:
   explicit Exception(uint32_t error_code = 0) : code(error_code) {}
@@ -47,7 +48,15 @@ class Exception {
   const ExceptionContext context{ExceptionContext::current()};
 
  protected:
+  template <typename Build>
+  const char* text_once(const Build& build) const {
+    if (!built_) message_ = build();
+    built_ = true;
+    return message_.c_str();
+  }
+
   mutable String message_;
+  mutable bool built_ = false;
 };
 
 /// An error code of the operating system.
@@ -61,12 +70,31 @@ class SDKException : public Exception {
 class LWE : public SDKException {
  public:
   LWE();
+  /// For a failure whose code had to be taken before something else could change it.
+  explicit LWE(uint32_t error) : SDKException(error) {}
+};
+
+/// An error code of the internet functions. If the server itself has said what was wrong, its words
+/// are the text; if they can't be read, what() throws LWE.
+class INetException : public SDKException {
+ public:
+  using SDKException::SDKException;
+  const char* what() const override;
+};
+
+/// The last error, taken at the throw site after a failed call of an internet function.
+class LIE : public INetException {
+ public:
+  LIE();
 };
 
 /// Carries a ready text.
 class UserException : public Exception {
  public:
-  explicit UserException(const String& text) { message_ = text; }
+  explicit UserException(const String& text) {
+    message_ = text;
+    built_ = true;
+  }
   const char* what() const override;
 };
 
@@ -75,6 +103,19 @@ class ORLOException : public Exception {
  public:
   using Exception::Exception;
   const char* what() const override;
+};
+
+/// A failure that the processor has noticed.
+class StructuredException : public Exception {
+ public:
+  /// `record` is the system's record of it, which this only points to.
+  StructuredException(uint32_t error_code, const void* record)
+      : Exception(error_code), record_(record) {}
+  const char* what() const override;
+  const void* record() const noexcept { return record_; }
+
+ private:
+  const void* record_;
 };
 
 /// Thrown to leave a thread's work; shows nothing.
@@ -93,6 +134,12 @@ inline constexpr uint32_t kErrorLeadByteInFormat = 0x42FF0002;
 void set_exception_mode(bool on) noexcept;
 bool exception_mode() noexcept;
 
+/// For allocations that don't go through operator new: asks the new-handler, which may throw what
+/// it likes, and throws std::bad_alloc without one.
+[[noreturn]] void throw_out_of_memory();
+
+/// The system's own text for an error code; false, and `text` untouched, if it has none.
+bool system_message(uint32_t code, String& text);
 /// The system's text for an error code, or "unknown error 0x" with eight digits.
 String system_error_text(uint32_t code);
 /// The calling thread's last error code.

@@ -1,23 +1,30 @@
 #include "orlo/flat_button.h"
 
-#include <string>
+#include "orlo/module_functions.h"
+#include "orlo/window_helpers.h"
 
 namespace ORLO {
 namespace {
 
 constexpr int kFocusInset = 3;
 
-std::string text_of(HWND window) {
-  std::string text(static_cast<size_t>(GetWindowTextLengthA(window)) + 1, '\0');
-  text.resize(
-      static_cast<size_t>(GetWindowTextA(window, text.data(), static_cast<int>(text.size()))));
-  return text;
-}
-
 bool foreground_is_ours() {
   DWORD process = 0;
   GetWindowThreadProcessId(GetForegroundWindow(), &process);
   return process == GetCurrentProcessId();
+}
+
+/// Without the function the active state ends with the next mouse message only.
+void ask_for_mouse_leave(HWND window) {
+  using Track = BOOL(WINAPI*)(TRACKMOUSEEVENT*);
+  const auto track =
+      reinterpret_cast<Track>(system_functions().find("COMCTL32", "_TrackMouseEvent"));
+  if (track == nullptr) return;
+  TRACKMOUSEEVENT request = {};
+  request.cbSize = sizeof request;
+  request.dwFlags = TME_LEAVE;
+  request.hwndTrack = window;
+  track(&request);
 }
 
 POINT point_of(LPARAM position) {
@@ -91,12 +98,7 @@ void FlatButtonController::set_active(bool on) {
   if (active == on) return;
   active = on;
   InvalidateRect(_hwnd, nullptr, FALSE);
-  if (!on) return;
-  TRACKMOUSEEVENT track = {};
-  track.cbSize = sizeof track;
-  track.dwFlags = TME_LEAVE;
-  track.hwndTrack = _hwnd;
-  TrackMouseEvent(&track);
+  if (on) ask_for_mouse_leave(_hwnd);
 }
 
 void FlatButtonController::set_default(bool on) {
@@ -122,8 +124,8 @@ void FlatButtonController::draw(const DRAWITEMSTRUCT& item) const {
 }
 
 void FlatButtonController::draw_text(const DRAWITEMSTRUCT& item) const {
-  const std::string text = text_of(_hwnd);
-  const auto length = static_cast<int>(text.size());
+  const String text = window_text(_hwnd);
+  const auto length = static_cast<int>(text.length());
   UINT format = DT_CENTER | DT_VCENTER | DT_SINGLELINE;
   if ((item.itemState & ODS_NOACCEL) != 0) format |= DT_HIDEPREFIX;
   RECT rect = item.rcItem;

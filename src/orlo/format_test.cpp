@@ -100,6 +100,7 @@ TEST(Format, PrintsIntegers) {
       {"%#o", 0, "0"},
       {"%#.3o", 8, "010"},
       {"%#.2o", 8, "010"},
+      {"%#.5o", 8, "00010"},
       {"%#.0o", 0, "0"},
       {"%o", -1, "37777777777"},
       {"%x", 255, "ff"},
@@ -276,6 +277,7 @@ TEST(Format, PrintsCharacters) {
   EXPECT_EQ(formatted("%c", 0x141), "A");
   EXPECT_EQ(formatted("%c", '\xe4'), "\xe4");
   EXPECT_EQ(formatted("%C", 0x141), "");
+  EXPECT_EQ(formatted("%C", 0x100), "");
   EXPECT_EQ(formatted("%C", u'\x00e4'), "\xe4");
   EXPECT_EQ(formatted("%3c|%-3c|%03c", 'a', 'b', 'c'), "  a|b  |00c");
   EXPECT_EQ(formatted("%.0c", 'a'), "a");

@@ -5,8 +5,9 @@
 
 namespace ORLO {
 
-/// Hands a message to the thread's hooks, then to a window that claims it as a key of its own, then
-/// to the keyboard handling of the dialog it belongs to, and last to its window.
+/// No failure passes it, each one is reported. Hands a message to the thread's hooks, then to a
+/// window that claims it as a key of its own, then to the keyboard handling of the dialog it
+/// belongs to, and last to its window.
 void dispatch(MSG& message);
 
 /// Offers a key to its window and, upwards, to its parents, up to a modal dialog. True if one of
@@ -17,7 +18,11 @@ bool translate(MSG& message);
 /// modal dialogs runs. Does nothing the second time.
 void filter_dialog_keys();
 
-/// Dispatches messages until the thread is told to quit; returns the exit code it was told.
+/// Dispatches messages until the thread is told to quit; returns the exit code it was told. On the
+/// main thread that begins the process's shut-down, unless COM objects keep the loop going.
 int run_message_loop();
+
+/// What the main thread does when its last message loop or dialog has ended; see shutdown.h.
+bool prepare_shutdown();
 
 }  // namespace ORLO

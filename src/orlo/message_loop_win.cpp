@@ -1,7 +1,10 @@
 #include "orlo/message_loop.h"
 
+#include "orlo/com_objects.h"
+#include "orlo/controller_call.h"
 #include "orlo/dlg_controller.h"
 #include "orlo/exception.h"
+#include "orlo/shutdown.h"
 #include "orlo/thread_record.h"
 
 namespace ORLO {
@@ -18,20 +21,37 @@ HWND parent_of(HWND window) {
   return parent != GetDesktopWindow() ? parent : nullptr;
 }
 
+bool stands(const MessageHook* wanted) {
+  const MessageHook* hook = current_thread_record().message_hooks;
+  while (hook != nullptr && hook != wanted)
+    hook = hook->next;
+  return hook != nullptr;
+}
+
+/// While a hook runs, itself and others may be taken out.
 bool claimed_by_hook(MSG& message) {
   MessageHook* hook = current_thread_record().message_hooks;
   while (hook != nullptr) {
-    // A hook may take itself out while it runs.
     MessageHook* const next = hook->next;
     if (hook->function(hook->context, message)) return true;
-    hook = next;
+    if (stands(hook)) {
+      hook = hook->next;
+    } else {
+      hook = stands(next) ? next : nullptr;
+    }
   }
   return false;
 }
 
+/// Dialogs of the system, as message boxes, among them: a wait below one must not take its keys.
+bool is_dialog(HWND window) {
+  static const ULONG_PTR dialog_class = reinterpret_cast<ULONG_PTR>(WC_DIALOG);
+  return GetClassLongPtrA(window, GCW_ATOM) == dialog_class;
+}
+
 bool claimed_by_dialog(MSG& message) {
   for (HWND window = message.hwnd; window != nullptr; window = parent_of(window)) {
-    if (dialog_controller(window) != nullptr) return IsDialogMessageA(window, &message) != FALSE;
+    if (is_dialog(window)) return IsDialogMessageA(window, &message) != FALSE;
   }
   return false;
 }
@@ -66,15 +86,27 @@ LRESULT CALLBACK key_filter_proc(int code, WPARAM wparam, LPARAM lparam) {
   return CallNextHookEx(nullptr, code, wparam, lparam);
 }
 
-}  // namespace
-
-void dispatch(MSG& message) {
+void hand_on(MSG& message) {
   if (claimed_by_hook(message)) return;
   if (is_key(message) && translate(message)) return;
   const Dispatched mark(message);
   if (claimed_by_dialog(message)) return;
   if (is_key(message)) TranslateMessage(&message);
   DispatchMessageA(&message);
+}
+
+/// Static objects are made on the main thread.
+const DWORD main_thread_id = GetCurrentThreadId();
+
+}  // namespace
+
+void dispatch(MSG& message) {
+  guarded_call(
+      [&]() -> LRESULT {
+        hand_on(message);
+        return 0;
+      },
+      [&](const auto& failure) { report_in_message(failure, message); });
 }
 
 bool translate(MSG& message) {
@@ -90,17 +122,23 @@ bool translate(MSG& message) {
 
 void filter_dialog_keys() {
   ThreadRecord& record = current_thread_record();
-  if (record.key_filter) return;
-  record.key_filter.reset(
-      SetWindowsHookExA(WH_MSGFILTER, &key_filter_proc, nullptr, GetCurrentThreadId()));
-  if (!record.key_filter) throw LWE();
+  if (record.key_filter != nullptr) return;
+  record.key_filter =
+      SetWindowsHookExA(WH_MSGFILTER, &key_filter_proc, nullptr, GetCurrentThreadId());
+  if (record.key_filter == nullptr) throw LWE();
+}
+
+bool prepare_shutdown() {
+  return prepare_shutdown(com_objects(), current_thread_record()._hmainwnd);
 }
 
 int run_message_loop() {
   MSG message = {};
-  while (GetMessageA(&message, nullptr, 0, 0) > 0)
-    dispatch(message);
-  ++current_thread_record().loop_level;
+  do {
+    while (GetMessageA(&message, nullptr, 0, 0) > 0)
+      dispatch(message);
+    ++current_thread_record().loop_level;
+  } while (GetCurrentThreadId() == main_thread_id && !prepare_shutdown());
   return static_cast<int>(message.wParam);
 }
 

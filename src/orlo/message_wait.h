@@ -11,18 +11,29 @@ namespace ORLO {
 
 /// The wait was given up because the program is to quit.
 inline constexpr int kWaitQuit = -1;
+/// The wait was given up because a message loop inside it has ended.
+inline constexpr int kWaitOvertaken = -2;
 inline constexpr int kWaitTimedOut = 0x102;
 
 /// Waits for any of `items` (at most 62): the index of the first one that is signalled,
-/// kWaitTimedOut or kWaitQuit. When the program is to quit, all waits on the stack are given up,
-/// and the message loop around the outermost one learns of it when that one has returned.
+/// kWaitTimedOut, kWaitQuit or kWaitOvertaken. When the program is to quit, all waits on the stack
+/// are given up, and the message loop around the outermost one learns of it when that one has
+/// returned.
 int wait_with_messages(Waitable* const* items, size_t count, uint32_t timeout);
 
-/// False if the sleep was given up because the program is to quit.
+/// Waits until each of `items` has been signalled, not necessarily at one time: 0, kWaitTimedOut,
+/// kWaitQuit or kWaitOvertaken.
+int wait_for_all_with_messages(Waitable* const* items, size_t count, uint32_t timeout);
+
+/// As wait_with_messages for what has to be waited for in any case, as the end of a thread: a quit
+/// met on the way is put off until then. False on time-out.
+bool wait_through_quit(Waitable& item, uint32_t timeout);
+
+/// False if the sleep was given up. Without end (kInfinite) it is a message loop of its own.
 bool sleep_with_messages(uint32_t milliseconds);
 
 /// Enters the section, trying again and again while messages flow; false, and not entered, if the
-/// program is to quit meanwhile.
+/// wait for that was given up.
 bool try_enter_with_messages(CriticalSection& section);
 
 }  // namespace ORLO

@@ -32,6 +32,28 @@ TEST(WaitWithMessages, SeesASignalFromAnotherThread) {
   other.join();
 }
 
+TEST(WaitForAllWithMessages, WaitsForEach) {
+  Event first;
+  Event second;
+  Waitable* const items[] = {&first, &second};
+  first.set();
+  EXPECT_EQ(wait_for_all_with_messages(items, 2, 20), kWaitTimedOut);
+  std::thread other([&] {
+    second.set();
+    first.set();
+  });
+  EXPECT_EQ(wait_for_all_with_messages(items, 2, kLong), 0);
+  other.join();
+  EXPECT_EQ(wait_for_all_with_messages(items, 0, kLong), 0);
+}
+
+TEST(WaitThroughQuit, TellsTheSignalFromTheTimeOut) {
+  Event done;
+  EXPECT_FALSE(wait_through_quit(done, 10));
+  done.set();
+  EXPECT_TRUE(wait_through_quit(done, kLong));
+}
+
 TEST(SleepWithMessages, SleepsItsTime) {
   EXPECT_TRUE(sleep_with_messages(5));
 }

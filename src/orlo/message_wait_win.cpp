@@ -29,6 +29,7 @@ class WaitScope {
   WaitScope& operator=(const WaitScope&) = delete;
 
   bool overtaken() const { return record_.loop_level != level_; }
+  bool quitting() const { return record_.quit_pending; }
   void meet_quit(const MSG& message) {
     record_.quit_pending = true;
     record_.quit_code = static_cast<int>(message.wParam);
@@ -55,7 +56,7 @@ class Deadline {
   const ULONGLONG start_;
 };
 
-enum class Drained { not_yet, empty, more, quit };
+enum class Drained { not_yet, empty, more, quit, overtaken };
 
 Drained dispatch_batch(WaitScope& scope) {
   MSG message;
@@ -66,7 +67,7 @@ Drained dispatch_batch(WaitScope& scope) {
       return Drained::quit;
     }
     dispatch(message);
-    if (scope.overtaken()) return Drained::quit;
+    if (scope.overtaken()) return scope.quitting() ? Drained::quit : Drained::overtaken;
   }
   return Drained::more;
 }
@@ -91,10 +92,35 @@ int wait_with_messages(Waitable* const* items, size_t count, uint32_t timeout) {
     if (drained != Drained::not_yet && deadline.remaining() == 0) return kWaitTimedOut;
     drained = dispatch_batch(scope);
     if (drained == Drained::quit) return kWaitQuit;
+    if (drained == Drained::overtaken) return kWaitOvertaken;
+  }
+}
+
+int wait_for_all_with_messages(Waitable* const* items, size_t count, uint32_t timeout) {
+  const Deadline deadline(timeout);
+  for (size_t i = 0; i < count; ++i) {
+    const int result = wait_with_messages(items + i, 1, deadline.remaining());
+    if (result != 0) return result;
+  }
+  return 0;
+}
+
+bool wait_through_quit(Waitable& item, uint32_t timeout) {
+  const Deadline deadline(timeout);
+  // While this one stands, the waits inside it don't put the quit back.
+  const WaitScope outermost;
+  Waitable* const items[] = {&item};
+  for (;;) {
+    const int result = wait_with_messages(items, 1, deadline.remaining());
+    if (result == 0 || result == kWaitTimedOut) return result == 0;
   }
 }
 
 bool sleep_with_messages(uint32_t milliseconds) {
+  if (milliseconds == kInfinite) {
+    run_message_loop();
+    return false;
+  }
   return wait_with_messages(nullptr, 0, milliseconds) == kWaitTimedOut;
 }
 

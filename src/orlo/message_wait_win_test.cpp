@@ -133,6 +133,107 @@ TEST(WaitWithMessages, QuitEndsAllWaitsOnTheStackAndIsPutBackOnce) {
   EXPECT_FALSE(quit_was_posted());
 }
 
+TEST(WaitWithMessages, EndOfALoopInsideItOvertakesIt) {
+  Event never;
+  Waitable* const items[] = {&never};
+  const Posted window([&] {
+    PostQuitMessage(0);
+    run_message_loop();
+  });
+  window.post();
+  EXPECT_EQ(wait_with_messages(items, 1, kLong), kWaitOvertaken);
+  EXPECT_FALSE(quit_was_posted());
+}
+
+TEST(WaitWithMessages, LeavesTheKeysOfAMessageBoxToTheBox) {
+  constexpr char kTitle[] = "Keys under a wait";
+  const Posted window([&] {
+    const HWND box = FindWindowA("#32770", kTitle);
+    ASSERT_NE(box, nullptr);
+    PostMessageA(GetDlgItem(box, IDCANCEL), WM_KEYDOWN, VK_ESCAPE, 0);
+    const ULONGLONG start = GetTickCount64();
+    while (IsWindowVisible(box) && GetTickCount64() - start < 5000)
+      sleep_with_messages(10);
+    // Ends the box where the key was lost.
+    PostMessageA(box, WM_COMMAND, IDOK, 0);
+  });
+  window.post();
+  EXPECT_EQ(MessageBoxA(nullptr, "?", kTitle, MB_OKCANCEL), IDCANCEL);
+}
+
+TEST(WaitForAllWithMessages, DispatchesUntilTheLastIsSignalled) {
+  Event first;
+  Event second;
+  const Posted window([&] { second.set(); });
+  first.set();
+  window.post();
+  Waitable* const items[] = {&first, &second};
+  EXPECT_EQ(wait_for_all_with_messages(items, 2, kLong), 0);
+}
+
+/// Runs its script once all messages have been handled, a WM_QUIT among them: timers come last.
+class Timed {
+ public:
+  explicit Timed(std::function<void()> script) {
+    script_ = std::move(script);
+    SetTimer(nullptr, 0, 10, &Timed::expired);
+  }
+  ~Timed() { script_ = {}; }
+  Timed(const Timed&) = delete;
+  Timed& operator=(const Timed&) = delete;
+
+ private:
+  static void CALLBACK expired(HWND, UINT, UINT_PTR timer, DWORD) {
+    KillTimer(nullptr, timer);
+    if (script_) script_();
+  }
+  static inline std::function<void()> script_;
+};
+
+TEST(WaitThroughQuit, WaitsOnAndPutsTheQuitBackOnceAtItsEnd) {
+  Event done;
+  bool posted_before = true;
+  const Timed timed([&] {
+    posted_before = quit_was_posted();
+    done.set();
+  });
+  PostQuitMessage(3);
+  EXPECT_TRUE(wait_through_quit(done, kLong));
+  EXPECT_FALSE(posted_before);
+  EXPECT_EQ(run_message_loop(), 3);
+  EXPECT_FALSE(quit_was_posted());
+}
+
+TEST(WaitThroughQuit, InsideAnotherWaitGivesThatOneUpAfterwards) {
+  Event never;
+  Event done;
+  bool waited = false;
+  const Timed timed([&] { done.set(); });
+  const Posted window([&] {
+    PostQuitMessage(0);
+    waited = wait_through_quit(done, kLong);
+  });
+  window.post();
+  Waitable* const items[] = {&never};
+  EXPECT_EQ(wait_with_messages(items, 1, kLong), kWaitQuit);
+  EXPECT_TRUE(waited);
+  EXPECT_TRUE(quit_was_posted());
+}
+
+TEST(WaitThroughQuit, TimesOutDespiteAQuit) {
+  Event never;
+  PostQuitMessage(0);
+  EXPECT_FALSE(wait_through_quit(never, 30));
+  EXPECT_TRUE(quit_was_posted());
+}
+
+TEST(SleepWithMessages, WithoutEndIsALoopOfItsOwn) {
+  const Posted window([] { PostQuitMessage(0); });
+  window.post();
+  EXPECT_FALSE(sleep_with_messages(kInfinite));
+  EXPECT_FALSE(quit_was_posted());
+}
+
 TEST(SleepWithMessages, SleepsItsTimeAndDispatches) {
   bool dispatched = false;
   const Posted window([&] { dispatched = true; });

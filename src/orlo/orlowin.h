@@ -26,7 +26,9 @@ enum PrivateMessage : UINT {
 };
 
 inline constexpr LRESULT kPlainIdentity = 0x53C10000;
-inline constexpr LRESULT kDialogIdentity = 0x53C10008;
+/// What a dialog's identity has beyond a plain window's.
+inline constexpr LRESULT kDialogBit = 8;
+inline constexpr LRESULT kDialogIdentity = kPlainIdentity | kDialogBit;
 inline constexpr LRESULT kSubclassIdentity = 0x53C10020;
 
 inline int width(const RECT& rect) noexcept {

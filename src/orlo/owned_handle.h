@@ -6,6 +6,12 @@
 
 namespace ORLO {
 
+/// How many handles of all kinds are owned now, for leak checks.
+inline std::atomic<int>& live_handles() noexcept {
+  static std::atomic<int> count{0};
+  return count;
+}
+
 /// Closes its handle when it dies. Traits give `Handle`, `invalid()` and `close(Handle)`, so that
 /// each kind keeps its own value for "none".
 template <typename Traits>
@@ -31,15 +37,15 @@ class OwnedHandle {
 
   void reset(Handle handle = Traits::invalid()) noexcept {
     const Handle old = std::exchange(handle_, handle);
-    if (handle != Traits::invalid()) ++live_count();
+    if (handle != Traits::invalid()) count(1);
     if (old == Traits::invalid()) return;
-    --live_count();
+    count(-1);
     Traits::close(old);
   }
 
   /// Gives the handle away; the caller, or whom the caller hands it to, must close it.
   Handle release() noexcept {
-    if (handle_ != Traits::invalid()) --live_count();
+    if (handle_ != Traits::invalid()) count(-1);
     return take();
   }
 
@@ -47,6 +53,10 @@ class OwnedHandle {
   static int live() noexcept { return live_count(); }
 
  private:
+  static void count(int change) noexcept {
+    live_count() += change;
+    live_handles() += change;
+  }
   Handle take() noexcept { return std::exchange(handle_, Traits::invalid()); }
   static std::atomic<int>& live_count() noexcept {
     static std::atomic<int> count{0};

@@ -1,76 +1,126 @@
 #include "orlo/report.h"
 
-#include <atomic>
 #include <utility>
 
-#include "orlo/thread.h"
+#include "orlo/core_module.h"
+#include "orlo/message_box.h"
+#include "orlo/report_state.h"
 
 namespace ORLO {
+
+std::atomic<int> InShutDown{0};
+
 namespace {
 
-std::atomic<bool> shutting_down{false};
-std::atomic<int> reports_in_progress{0};
+constexpr const char* kCaption = "Exception";
+constexpr const char* kNoText = "generic exception";
+constexpr const char* kComCaption = "COM Exception";
+constexpr uint32_t kBoxFlags = kBoxTaskModal | kBoxExclamation;
 
-CriticalSection& sink_lock() {
-  static CriticalSection section;
-  return section;
-}
-
-ReportSink& sink() {
-  static ReportSink installed;
-  return installed;
-}
-
-/// Counts a report for its scope; only the outermost one is shown.
-class ReportScope {
- public:
-  ReportScope() : outermost_(reports_in_progress.fetch_add(1) == 0) {}
-  ~ReportScope() { reports_in_progress.fetch_sub(1); }
-  ReportScope(const ReportScope&) = delete;
-  ReportScope& operator=(const ReportScope&) = delete;
-  bool outermost() const { return outermost_; }
-
- private:
-  bool outermost_;
+/// Both under report_lock().
+struct State {
+  int report_depth = 0;
+  ReportSink sink;
 };
 
-void show(const String& text, const char* caption, ReportOwner owner) {
-  if (shutting_down) return;
-  const ReportScope scope;
-  if (!scope.outermost()) return;
-  ReportSink installed;
-  {
-    const Lock hold(sink_lock());
-    installed = sink();
+State& state() noexcept {
+  // Never destroyed: a report may come while statics go down.
+  static State& made = *new State;
+  return made;
+}
+
+ReportSink installed_sink() {
+  const Lock hold(report_lock());
+  return state().sink;
+}
+
+/// Where the text of a failure can't be had: why not.
+template <typename Compose>
+String text_or_failure(const Compose& compose) {
+  try {
+    return compose();
+  } catch (const Exception& failure) {
+    return failure.what();
   }
-  // No lock is held while the box is open: other threads must be able to drop their reports.
-  if (installed) {
-    installed(caption, text);
+}
+
+template <typename Compose>
+String text_or_fallback(const Compose& compose) {
+  try {
+    return text_or_failure(compose);
+  } catch (...) {
+    return kNoText;
+  }
+}
+
+template <typename Compose>
+void show(const Compose& compose, const char* caption, ReportOwner owner) {
+  const ReportSink sink = installed_sink();
+  const String text = text_or_fallback(compose);
+  if (sink) {
+    sink(caption, text);
   } else {
-    show_report_box(text, caption, owner);
+    message_box(owner, text.c_str(), caption, kBoxFlags);
   }
+}
+
+/// False if the report was dropped.
+template <typename Compose>
+bool report(const Compose& compose, const char* caption, ReportOwner owner) noexcept {
+  if (in_shutdown()) return false;
+  const ReportScope scope;
+  if (scope.depth() != 0) return false;
+  try {
+    show(compose, caption, owner != nullptr ? owner : thread_main_window());
+  } catch (...) {
+    // Not even a text could be made; the system's box needs none of ours.
+    message_box(owner, kNoText, caption, kBoxFlags);
+  }
+  return true;
 }
 
 }  // namespace
 
-void report_exception(const Exception& exception, ReportOwner owner) {
-  show(exception_text(exception), "Exception", owner);
+CriticalSection& report_lock() noexcept {
+  static CriticalSection& section = *new CriticalSection;
+  return section;
 }
 
-void report_std_exception(const std::exception& exception, ReportOwner owner) {
-  show(String::formatted("An exception occured:\n%s\n", exception.what()), "Exception", owner);
+ReportScope::ReportScope() noexcept {
+  const Lock hold(report_lock());
+  depth_ = state().report_depth++;
 }
 
-void begin_shutdown() noexcept {
-  shutting_down = true;
-}
-bool in_shutdown() noexcept {
-  return shutting_down;
+ReportScope::~ReportScope() {
+  const Lock hold(report_lock());
+  --state().report_depth;
 }
 
-void set_report_sink(ReportSink installed) {
-  const Lock hold(sink_lock());
-  sink() = std::move(installed);
+void report_exception(const Exception& exception, ReportOwner owner) noexcept {
+  report([&] { return exception_text(exception); }, kCaption, owner);
+}
+
+void report_std_exception(const std::exception& exception, ReportOwner owner) noexcept {
+  const auto compose = [&] {
+    return core_formatted(kCoreStdException, "An exception occured:\n%s\n", exception.what());
+  };
+  report(compose, kCaption, owner);
+}
+
+void report_com_error(const ComError& error, ReportOwner) noexcept {
+  report([&] { return com_error_text(error); }, kComCaption, nullptr);
+}
+
+bool report_assertion(const char* expression, const char* source, int line) noexcept {
+  const auto compose = [&] {
+    return String::formatted("Assertion failed: %s, file %s, line %d", expression, source, line);
+  };
+  return report(compose, kCaption, nullptr);
+}
+
+void set_report_sink(ReportSink sink) {
+  const Lock hold(report_lock());
+  state().sink = std::move(sink);
 }
 
 }  // namespace ORLO

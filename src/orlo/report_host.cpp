@@ -1,11 +1,9 @@
 #include "orlo/report.h"
 
-#include <cstdio>
-
 namespace ORLO {
 
-void show_report_box(const String& text, const char* caption, ReportOwner) {
-  std::fprintf(stderr, "%s: %s\n", caption, text.c_str());
+ReportOwner thread_main_window() noexcept {
+  return nullptr;
 }
 
 }  // namespace ORLO

@@ -1,11 +1,11 @@
 #include "orlo/report.h"
 
-#include <windows.h>
+#include "orlo/thread_record.h"
 
 namespace ORLO {
 
-void show_report_box(const String& text, const char* caption, ReportOwner owner) {
-  MessageBoxA(static_cast<HWND>(owner), text.c_str(), caption, MB_TASKMODAL | MB_ICONEXCLAMATION);
+ReportOwner thread_main_window() noexcept {
+  return current_thread_record()._hmainwnd;
 }
 
 }  // namespace ORLO

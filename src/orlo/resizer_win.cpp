@@ -29,6 +29,15 @@ RECT rectangle_in_parent(HWND parent, HWND control) {
   return rect;
 }
 
+/// What a control takes along from its old place may be gone already where the window's own drawing
+/// surface has just been made anew; some systems copy it all the same and think it drawn.
+void redraw(const std::vector<HWND>& controls) {
+  for (const HWND control : controls) {
+    RedrawWindow(control, nullptr, nullptr,
+                 RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
+  }
+}
+
 }  // namespace
 
 void Resizer::init(HWND for_window, int minimum_width, int minimum_height) {
@@ -53,6 +62,7 @@ void Resizer::resize(int width, int height) {
   last_width = width;
   last_height = height;
 
+  std::vector<HWND> moved;
   HDWP batch = BeginDeferWindowPos(static_cast<int>(rules.size()));
   for (const ResizeRule& rule : rules) {
     const Deltas deltas = deltas_for(rule.flags, dx, dy);
@@ -60,13 +70,16 @@ void Resizer::resize(int width, int height) {
     if (unchanged == (SWP_NOMOVE | SWP_NOSIZE)) continue;
     const HWND control = GetDlgItem(window, rule.control_id);
     if (control == nullptr || batch == nullptr) continue;
+    if ((unchanged & SWP_NOMOVE) == 0) moved.push_back(control);
     const RECT old = rectangle_in_parent(window, control);
     batch = DeferWindowPos(batch, control, nullptr, old.left + deltas.left, old.top + deltas.top,
                            ORLO::width(old) + deltas.right - deltas.left,
                            ORLO::height(old) + deltas.bottom - deltas.top,
                            unchanged | SWP_NOZORDER | SWP_NOACTIVATE);
   }
-  if (batch != nullptr) EndDeferWindowPos(batch);
+  if (batch == nullptr) return;
+  EndDeferWindowPos(batch);
+  redraw(moved);
 }
 
 void Resizer::set_size(int extra_width, int extra_height) {

@@ -90,6 +90,21 @@ TEST_F(ResizerTest, MissingControlIsSkippedAndTheOthersMove) {
   EXPECT_EQ(dialog.place_of(kOther).left, other.left);
 }
 
+TEST_F(ResizerTest, MovedControlIsDrawnAnewAndAStandingOneIsNot) {
+  ShowWindow(dialog.window(), SW_SHOW);
+  const ResizeRule rules[] = {{kControl, 3}, {kOther, 12}};
+  resizer.add(rules, 2);
+  resizer.init(dialog.window());
+  const auto is_due = [this](int id) {
+    return GetUpdateRect(GetDlgItem(dialog.window(), id), nullptr, FALSE) != FALSE;
+  };
+  for (const int id : {kControl, kOther})
+    ValidateRect(GetDlgItem(dialog.window(), id), nullptr);
+  grow_by(kGrowX, 0);
+  EXPECT_TRUE(is_due(kControl));
+  EXPECT_FALSE(is_due(kOther));
+}
+
 TEST_F(ResizerTest, GrowthAddsUpOverSeveralSteps) {
   const ResizeRule rule = {kControl, 15};
   resizer.add(&rule, 1);

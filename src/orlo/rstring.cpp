@@ -10,6 +10,7 @@
 #include <new>
 
 #include "orlo/assertion.h"
+#include "orlo/exception.h"
 #include "orlo/locale.h"
 
 namespace ORLO {
@@ -63,8 +64,8 @@ String::String(const String& other) noexcept : text_(other.text_) {
 }
 
 String::String(const char* first, const char* last) {
-  check_assertion(!std::less<>()(last, first), "e>=b", "rstring", 253);
-  const auto length = static_cast<size_t>(last - first);
+  const bool ordered = check_assertion(!std::less<>()(last, first), "e>=b", "rstring", 253);
+  const size_t length = ordered ? static_cast<size_t>(last - first) : 0;
   text_ = allocate(length);
   copy_bytes(text_, first, length);
 }
@@ -94,7 +95,7 @@ String& String::operator=(const char* text) {
 char* String::allocate(size_t length) {
   const size_t capacity = block_size(length);
   void* const block = std::malloc(capacity);
-  if (block == nullptr) throw std::bad_alloc();
+  if (block == nullptr) throw_out_of_memory();
   auto* const header =
       new (block) Header{static_cast<uint32_t>(length), static_cast<uint32_t>(capacity), 1};
   char* const text = reinterpret_cast<char*>(header + 1);
@@ -115,8 +116,9 @@ bool String::shared() const noexcept {
 }
 
 bool String::holds(const char* text) const noexcept {
+  // Not only up to the length: a shrunken text still has its old bytes behind it.
   const std::less<> before;
-  return !before(text, text_) && !before(text_ + length(), text);
+  return !before(text, text_) && before(text, text_ + (capacity() - sizeof(Header)));
 }
 
 char* String::writable() {
@@ -201,7 +203,7 @@ void String::adjust(size_t length) {
 
 void String::reallocate(size_t capacity) {
   void* const block = std::realloc(&header(), capacity);
-  if (block == nullptr) throw std::bad_alloc();
+  if (block == nullptr) throw_out_of_memory();
   auto* const header = static_cast<Header*>(block);
   header->capacity = static_cast<uint32_t>(capacity);
   text_ = reinterpret_cast<char*>(header + 1);

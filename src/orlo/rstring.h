@@ -13,7 +13,8 @@ namespace ORLO {
 /// The pointer leads to the first character of a heap block: {length, capacity, refcount}, the
 /// text (which may hold NULs), one NUL. Every empty String owns a block of its own. The count is
 /// atomic, so copies may live on different threads; one String object belongs to one thread at a
-/// time. Allocation failure throws std::bad_alloc.
+/// time. Allocation failure goes to the new-handler as that of operator new does; without one it
+/// throws std::bad_alloc.
 class String {
  public:
   String();
@@ -23,7 +24,7 @@ class String {
   /// the input has units.
   explicit String(const char16_t* wide);
   String(const String& other) noexcept;
-  /// Copies the bytes of [first, last); last must not lie before first.
+  /// Copies the bytes of [first, last); none, and a failed assertion, if last lies before first.
   String(const char* first, const char* last);
   /// One block holding the two counted pieces one behind the other.
   String(const char* a, size_t a_length, const char* b, size_t b_length);

@@ -72,11 +72,11 @@ class Event : public Waitable {
   std::unique_ptr<Impl> impl_;
 };
 
-/// A thread that is created suspended. Joined by its destructor if it was resumed; a thread that
-/// was never resumed never runs.
+/// A thread that is created suspended; what its body returns is its exit code. Joined by its
+/// destructor if it was resumed; a thread that was never resumed never runs.
 class Thread : public Waitable {
  public:
-  explicit Thread(std::function<void()> body);
+  explicit Thread(std::function<int()> body);
   ~Thread() override;
   Thread(const Thread&) = delete;
   Thread& operator=(const Thread&) = delete;

@@ -68,14 +68,14 @@ bool Event::try_take() noexcept {
 }
 
 struct Thread::Impl {
-  std::function<void()> body;
+  std::function<int()> body;
   std::thread thread;
   std::atomic<bool> resumed{false};
   std::atomic<std::thread::id> id{};  ///< set by the thread itself
   bool ended = false;                 ///< guarded by wait_mutex()
 };
 
-Thread::Thread(std::function<void()> body) : impl_(std::make_unique<Impl>()) {
+Thread::Thread(std::function<int()> body) : impl_(std::make_unique<Impl>()) {
   impl_->body = std::move(body);
 }
 

@@ -1,8 +1,9 @@
 // What the window system's part of the foundation remembers per thread.
 #pragma once
 
+#include <type_traits>
+
 #include "orlo/orlowin.h"
-#include "orlo/window_handles.h"
 
 namespace ORLO {
 
@@ -14,6 +15,7 @@ struct MessageHook {
   bool (*function)(void* context, MSG& message);
 };
 
+/// Needs no destructor: the target's runtime frees a thread's variables before it would run it.
 struct ThreadRecord {
   /// The window whose end ends the thread's message loop.
   HWND _hmainwnd = nullptr;
@@ -30,8 +32,10 @@ struct ThreadRecord {
   /// A WM_QUIT that a wait took off the queue and that its outermost one puts back.
   bool quit_pending = false;
   int quit_code = 0;
-  OwnedHook key_filter;
+  /// The system takes it out when the thread ends.
+  HHOOK key_filter = nullptr;
 };
+static_assert(std::is_trivially_destructible_v<ThreadRecord>);
 
 /// The calling thread's record.
 ThreadRecord& current_thread_record() noexcept;

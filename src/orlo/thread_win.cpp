@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "orlo/exception.h"
+#include "orlo/kernel_handles.h"
 
 namespace ORLO {
 
@@ -30,62 +31,58 @@ void CriticalSection::leave() noexcept {
 }
 
 struct Event::Impl {
-  HANDLE handle = nullptr;
+  OwnedKernelHandle handle{CreateEventA(nullptr, FALSE, FALSE, nullptr)};
 };
 
 Event::Event() : impl_(std::make_unique<Impl>()) {
-  impl_->handle = CreateEventA(nullptr, FALSE, FALSE, nullptr);
-  if (impl_->handle == nullptr) throw LWE();
+  if (!impl_->handle) throw LWE();
 }
-Event::~Event() {
-  CloseHandle(impl_->handle);
-}
+Event::~Event() = default;
 void Event::set() noexcept {
-  SetEvent(impl_->handle);
+  SetEvent(impl_->handle.get());
 }
 void Event::reset() noexcept {
-  ResetEvent(impl_->handle);
+  ResetEvent(impl_->handle.get());
 }
 void* Event::native() const noexcept {
-  return impl_->handle;
+  return impl_->handle.get();
 }
 bool Event::try_take() noexcept {
-  return WaitForSingleObject(impl_->handle, 0) == WAIT_OBJECT_0;
+  return WaitForSingleObject(impl_->handle.get(), 0) == WAIT_OBJECT_0;
 }
 
 struct Thread::Impl {
-  std::function<void()> body;
-  HANDLE handle = nullptr;
+  std::function<int()> body;
+  OwnedKernelHandle handle;
   DWORD id = 0;
   std::atomic<bool> resumed{false};
   std::atomic<bool> abandoned{false};
 
   static DWORD WINAPI enter(void* parameter) {
     auto* impl = static_cast<Impl*>(parameter);
-    if (!impl->abandoned) impl->body();
-    return 0;
+    return impl->abandoned ? 0 : static_cast<DWORD>(impl->body());
   }
 };
 
-Thread::Thread(std::function<void()> body) : impl_(std::make_unique<Impl>()) {
+Thread::Thread(std::function<int()> body) : impl_(std::make_unique<Impl>()) {
   impl_->body = std::move(body);
-  impl_->handle = CreateThread(nullptr, 0, &Impl::enter, impl_.get(), CREATE_SUSPENDED, &impl_->id);
-  if (impl_->handle == nullptr) throw LWE();
+  impl_->handle.reset(
+      CreateThread(nullptr, 0, &Impl::enter, impl_.get(), CREATE_SUSPENDED, &impl_->id));
+  if (!impl_->handle) throw LWE();
 }
 
 Thread::~Thread() {
   // A thread that never ran is let through without its body, so that it leaves nothing behind.
   if (!impl_->resumed) {
     impl_->abandoned = true;
-    ResumeThread(impl_->handle);
+    ResumeThread(impl_->handle.get());
   }
-  WaitForSingleObject(impl_->handle, INFINITE);
-  CloseHandle(impl_->handle);
+  WaitForSingleObject(impl_->handle.get(), INFINITE);
 }
 
 void Thread::resume() {
   if (impl_->resumed.exchange(true)) return;
-  ResumeThread(impl_->handle);
+  ResumeThread(impl_->handle.get());
 }
 
 bool Thread::resumed() const noexcept {
@@ -95,10 +92,10 @@ bool Thread::is_current() const noexcept {
   return GetCurrentThreadId() == impl_->id;
 }
 void* Thread::native() const noexcept {
-  return impl_->handle;
+  return impl_->handle.get();
 }
 bool Thread::try_take() noexcept {
-  return WaitForSingleObject(impl_->handle, 0) == WAIT_OBJECT_0;
+  return WaitForSingleObject(impl_->handle.get(), 0) == WAIT_OBJECT_0;
 }
 
 int wait_any(Waitable* const* items, size_t count, uint32_t timeout) {

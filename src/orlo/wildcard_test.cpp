@@ -13,6 +13,14 @@ struct Row {
   bool matches;
 };
 
+/// Counts through all words of the letters.
+std::string nth_word(size_t n, const std::string& letters) {
+  std::string word;
+  for (; n != 0; n = (n - 1) / letters.size())
+    word += letters[(n - 1) % letters.size()];
+  return word;
+}
+
 TEST(Wildcard, MatchesByTheRules) {
   const Row rows[] = {
       {"", "", true},
@@ -88,7 +96,26 @@ TEST(Wildcard, WithoutCaseFoldsTheLettersOfAsciiAlone) {
   for (const Row& row : rows) {
     SCOPED_TRACE(std::string(row.text) + " against " + row.pattern);
     EXPECT_EQ(match_wildcard_nocase(row.text, row.pattern), row.matches);
+    EXPECT_EQ(FoldedPattern(row.pattern).matches(row.text), row.matches);
   }
+}
+
+TEST(Wildcard, FoldedPatternAgreesOnAllShortTextsAndPatterns) {
+  for (size_t p = 0; p < 400; ++p) {
+    const std::string pattern = nth_word(p, "aB*?");
+    const FoldedPattern folded{String(pattern)};
+    for (size_t t = 0; t < 127; ++t) {
+      const std::string text = nth_word(t, "Ab");
+      ASSERT_EQ(folded.matches(String(text)), match_wildcard_nocase(text, pattern))
+          << text << " against " << pattern;
+    }
+  }
+}
+
+TEST(Wildcard, FoldedPatternReadsNoFurtherThanTheFirstNul) {
+  const String text("ab\0cd", 5, "", 0);
+  EXPECT_FALSE(FoldedPattern("*cd*").matches(text));
+  EXPECT_TRUE(FoldedPattern("*B*").matches(text));
 }
 
 TEST(Wildcard, WithoutCaseLeavesTheCallersTextsAlone) {
@@ -116,13 +143,6 @@ bool matches_by_recursion(const char* text, const char* pattern) {
   }
   if (*text == '\0' || *pattern == '\0') return *text == *pattern;
   return (*pattern == '?' || *pattern == *text) && matches_by_recursion(text + 1, pattern + 1);
-}
-
-std::string nth_word(size_t n, const std::string& letters) {
-  std::string word;
-  for (; n != 0; n = (n - 1) / letters.size())
-    word += letters[(n - 1) % letters.size()];
-  return word;
 }
 
 TEST(Wildcard, AgreesWithTheRulesOnAllShortTexts) {

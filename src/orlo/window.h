@@ -29,7 +29,7 @@ class Window {
 
  private:
   struct Start;
-  static void register_class(Kind kind);
+  static ATOM class_of(Kind kind);
   static LRESULT CALLBACK window_proc(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
   static LRESULT start(HWND window, Start& start);
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "orlo/rstring.h"
 #include "orlo/window_handles.h"
 
 namespace ORLO {
@@ -12,5 +13,7 @@ void move_to_screen(HWND window);
 void center_window(HWND window);
 /// Gives the window another menu and destroys the one it had.
 void replace_menu(HWND window, OwnedMenu menu);
+/// The text of a window of this process.
+String window_text(HWND window);
 
 }  // namespace ORLO

@@ -1,6 +1,7 @@
 #include "orlo/window_helpers.h"
 
 #include <algorithm>
+#include <string>
 
 namespace ORLO {
 namespace {
@@ -62,6 +63,12 @@ void center_window(HWND window) {
 void replace_menu(HWND window, OwnedMenu menu) {
   const OwnedMenu old(GetMenu(window));
   SetMenu(window, menu.release());
+}
+
+String window_text(HWND window) {
+  std::string text(static_cast<size_t>(GetWindowTextLengthA(window)) + 1, '\0');
+  const int length = GetWindowTextA(window, text.data(), static_cast<int>(text.size()));
+  return String(text.data(), text.data() + length);
 }
 
 }  // namespace ORLO

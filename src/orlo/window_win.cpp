@@ -1,10 +1,16 @@
 #include "orlo/window.h"
 
+#include <iterator>
+
 #include "orlo/controller_call.h"
+#include "orlo/core_resources.h"
 #include "orlo/exception.h"
+#include "orlo/thread.h"
 
 namespace ORLO {
 namespace {
+
+constexpr UINT kIconOfCoreModule = 1;
 
 struct ClassPlan {
   const char* name;
@@ -19,8 +25,30 @@ constexpr ClassPlan kClasses[] = {
     {"ORLOGenericWindow", 0, true},
 };
 
-const ClassPlan& plan_of(Window::Kind kind) {
-  return kClasses[static_cast<size_t>(kind)];
+CriticalSection& class_lock() {
+  static CriticalSection section;
+  return section;
+}
+
+/// Stays with the window class to the end of the process.
+HICON window_icon() {
+  OwnedIcon icon = CoreResources().icon(kIconOfCoreModule);
+  return icon ? icon.release() : LoadIconA(nullptr, IDI_APPLICATION);
+}
+
+ATOM register_class(const ClassPlan& plan, WNDPROC procedure) {
+  WNDCLASSEXA record = {};
+  record.cbSize = sizeof record;
+  record.style = plan.style;
+  record.lpfnWndProc = procedure;
+  record.hInstance = GetModuleHandleA(nullptr);
+  record.hIcon = plan.has_icon ? window_icon() : nullptr;
+  record.hCursor = LoadCursorA(nullptr, IDC_ARROW);
+  record.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_WINDOW + 1);
+  record.lpszClassName = plan.name;
+  const ATOM atom = RegisterClassExA(&record);
+  if (atom == 0) throw LWE();
+  return atom;
 }
 
 }  // namespace
@@ -30,31 +58,23 @@ struct Window::Start {
   bool window_made = false;
 };
 
-void Window::register_class(Kind kind) {
-  const ClassPlan& plan = plan_of(kind);
-  const HINSTANCE instance = GetModuleHandleA(nullptr);
-  WNDCLASSEXA record = {};
-  record.cbSize = sizeof record;
-  if (GetClassInfoExA(instance, plan.name, &record)) return;
-  record = {};
-  record.cbSize = sizeof record;
-  record.style = plan.style;
-  record.lpfnWndProc = &Window::window_proc;
-  record.hInstance = instance;
-  record.hIcon = plan.has_icon ? LoadIconA(nullptr, IDI_APPLICATION) : nullptr;
-  record.hCursor = LoadCursorA(nullptr, IDC_ARROW);
-  record.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_WINDOW + 1);
-  record.lpszClassName = plan.name;
-  if (RegisterClassExA(&record) == 0) throw LWE();
+ATOM Window::class_of(Kind kind) {
+  static ATOM registered[std::size(kClasses)] = {};
+  const auto index = static_cast<size_t>(kind);
+  const Lock hold(class_lock());
+  if (registered[index] == 0) {
+    registered[index] = register_class(kClasses[index], &Window::window_proc);
+  }
+  return registered[index];
 }
 
 HWND Window::create(const Setup& setup, const Factory& factory) {
-  register_class(setup.kind);
+  const ATOM window_class = class_of(setup.kind);
   Start start{&factory};
   const RECT& place = setup.place;
   const bool placed = place.left != CW_USEDEFAULT;
   const HWND window =
-      CreateWindowExA(0, plan_of(setup.kind).name, setup.title, setup.style, place.left, place.top,
+      CreateWindowExA(0, MAKEINTATOM(window_class), setup.title, setup.style, place.left, place.top,
                       placed ? width(place) : CW_USEDEFAULT, placed ? height(place) : CW_USEDEFAULT,
                       setup.parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(setup.control_id)),
                       GetModuleHandleA(nullptr), &start);
@@ -63,14 +83,16 @@ HWND Window::create(const Setup& setup, const Factory& factory) {
 }
 
 LRESULT CALLBACK Window::window_proc(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-  Controller* const controller = attached_controller(window, GWLP_USERDATA);
+  Controller* const controller = plain_controller_of_own_window(window);
   if (controller == nullptr) {
     if (message != WM_CREATE) return DefWindowProcA(window, message, wparam, lparam);
     const auto* setup = reinterpret_cast<const CREATESTRUCTA*>(lparam);
-    return start(window, *static_cast<Start*>(setup->lpCreateParams));
+    auto* const start_data = static_cast<Start*>(setup->lpCreateParams);
+    // Whoever makes a window of the class by himself has no controller for it.
+    return start_data != nullptr ? start(window, *start_data) : -1;
   }
   ControllerCall call(*controller, message, wparam, lparam);
-  if (message == WM_DESTROY) {
+  if (message == WM_DESTROY || message == WM_NCDESTROY) {
     call.dispose();
     return 0;
   }

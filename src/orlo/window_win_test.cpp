@@ -5,11 +5,13 @@
 #include <string>
 #include <vector>
 
+#include "orlo/assertion.h"
 #include "orlo/exception.h"
 #include "orlo/message_loop.h"
 #include "orlo/report.h"
 #include "orlo/subclass_controller.h"
 #include "orlo/thread_record.h"
+#include "orlo/wait_cursor.h"
 
 namespace ORLO {
 namespace {
@@ -117,6 +119,105 @@ TEST(Window, FailureInTheFactoryIsReportedAndThereIsNoWindow) {
   EXPECT_NE(reports[0].find("no room"), std::string::npos);
 }
 
+TEST_F(WindowTest, EachClassHasTheRecordItWasPlannedWith) {
+  for (const auto kind :
+       {Window::Kind::control, Window::Kind::double_click_control, Window::Kind::top_level}) {
+    SCOPED_TRACE(static_cast<int>(kind));
+    const HWND window = make(kind);
+    EXPECT_EQ(GetClassLongPtrA(window, GCLP_HBRBACKGROUND), 6u);
+    EXPECT_EQ(GetClassLongPtrA(window, GCL_CBWNDEXTRA), 0u);
+    EXPECT_EQ(GetClassLongPtrA(window, GCLP_HICON) != 0, kind == Window::Kind::top_level);
+    DestroyWindow(window);
+  }
+}
+
+TEST_F(WindowTest, OfItsClassesMadeWithoutAFactoryIsRefused) {
+  DestroyWindow(make(Window::Kind::control));
+  EXPECT_EQ(CreateWindowExA(0, "ORLOGenericControl", "", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr,
+                            GetModuleHandleA(nullptr), nullptr),
+            nullptr);
+}
+
+/// A window to be taken over, as the system makes one from a template.
+HWND plain_edit() {
+  return CreateWindowExA(0, "EDIT", "text", WS_POPUP, 0, 0, 50, 20, nullptr, nullptr,
+                         GetModuleHandleA(nullptr), nullptr);
+}
+
+/// What fails an assertion in its scope; each can be reported again afterwards.
+class FailedAssertions {
+ public:
+  FailedAssertions() {
+    forget_failed_assertions();
+    set_report_sink([this](const String&, const String& text) { texts.push_back(text.c_str()); });
+  }
+  ~FailedAssertions() {
+    set_report_sink({});
+    forget_failed_assertions();
+  }
+  FailedAssertions(const FailedAssertions&) = delete;
+  FailedAssertions& operator=(const FailedAssertions&) = delete;
+  std::vector<std::string> texts;
+};
+
+TEST(Controller, WindowThatHasOneAlreadyFailsAnAssertion) {
+  const FailedAssertions failed;
+  const HWND window = plain_edit();
+  {
+    Controller first(window);
+    first.attach(GWLP_USERDATA);
+    EXPECT_TRUE(failed.texts.empty());
+    Controller second(window);
+    second.attach(GWLP_USERDATA);
+    EXPECT_EQ(attached_controller(window, GWLP_USERDATA), &second);
+  }
+  // The one that was pushed out leaves the window alone.
+  EXPECT_EQ(attached_controller(window, GWLP_USERDATA), nullptr);
+  DestroyWindow(window);
+  ASSERT_EQ(failed.texts.size(), 1u);
+  EXPECT_NE(failed.texts[0].find("!old_userdata"), std::string::npos);
+}
+
+TEST(Controller, PaintingWithoutADeviceContextFailsAnAssertion) {
+  const FailedAssertions failed;
+  const HWND window = plain_edit();
+  Controller controller(window);
+  DestroyWindow(window);
+  controller.Paint();
+  ASSERT_EQ(failed.texts.size(), 1u);
+  EXPECT_NE(failed.texts[0].find("_hdc"), std::string::npos);
+}
+
+TEST_F(WindowTest, ThreadsCursorCoversInsideTitleAndBars) {
+  const HWND window = make();
+  const HWND edit = plain_edit();
+  const SubclassController controller(edit);
+  const auto covered = [](HWND asked, WORD hit) {
+    SetCursor(nullptr);
+    const LRESULT result =
+        SendMessageA(asked, WM_SETCURSOR, reinterpret_cast<WPARAM>(asked), MAKELPARAM(hit, 0));
+    return result == 1 && GetCursor() == LoadCursorA(nullptr, IDC_CROSS);
+  };
+  const WaitCursor cross(IDC_CROSS);
+  for (WORD hit = 0; hit <= 21; ++hit) {
+    SCOPED_TRACE(hit);
+    const bool inside = (hit >= 1 && hit <= 9) || hit == 20;
+    EXPECT_EQ(covered(window, hit), inside);
+    EXPECT_EQ(covered(edit, hit), inside);
+  }
+  DestroyWindow(edit);
+  DestroyWindow(window);
+}
+
+TEST_F(WindowTest, DefaultPaintValidatesTheWindow) {
+  const HWND window = make();
+  ShowWindow(window, SW_SHOW);
+  InvalidateRect(window, nullptr, FALSE);
+  EXPECT_EQ(SendMessageA(window, WM_PAINT, 0, 0), 0);
+  EXPECT_FALSE(GetUpdateRect(window, nullptr, FALSE));
+  DestroyWindow(window);
+}
+
 TEST(Window, FailingPaintIsReportedOnceAndNotRepeated) {
   struct BadPainter : Controller {
     using Controller::Controller;
@@ -138,12 +239,6 @@ TEST(Window, FailingPaintIsReportedOnceAndNotRepeated) {
   DestroyWindow(window);
 }
 
-/// A window to be taken over, as the system makes one from a template.
-HWND plain_edit() {
-  return CreateWindowExA(0, "EDIT", "text", WS_POPUP, 0, 0, 50, 20, nullptr, nullptr,
-                         GetModuleHandleA(nullptr), nullptr);
-}
-
 TEST(SubclassController, ForwardsWhatItDoesNotHandle) {
   const HWND edit = plain_edit();
   const SubclassController controller(edit);
@@ -152,6 +247,23 @@ TEST(SubclassController, ForwardsWhatItDoesNotHandle) {
   EXPECT_STREQ(text, "text");
   EXPECT_EQ(SendMessageA(edit, kMsgIdentity, 0, 0), 0x53C10020);
   DestroyWindow(edit);
+}
+
+TEST_F(WindowTest, ControllerIsFoundByItsIdentity) {
+  const HWND window = make();
+  Controller* const controller = controller_of(window);
+  ASSERT_NE(controller, nullptr);
+  EXPECT_EQ(controller->window(), window);
+  const HWND edit = plain_edit();
+  EXPECT_EQ(controller_of(edit), nullptr);
+  {
+    const SubclassController taken(edit);
+    EXPECT_EQ(controller_of(edit), nullptr);
+  }
+  EXPECT_EQ(controller_of(nullptr), nullptr);
+  DestroyWindow(edit);
+  DestroyWindow(window);
+  EXPECT_EQ(controller_of(window), nullptr);
 }
 
 TEST(SubclassController, GivesTheControlBackWhenItDiesFirst) {

@@ -2,16 +2,10 @@
 
 #include <string>
 
-#include "orlo/owned_handle.h"
+#include "orlo/kernel_handles.h"
 #include "platform/files.h"
 
 namespace {
-
-struct FileTraits {
-  using Handle = HANDLE;
-  static Handle invalid() noexcept { return INVALID_HANDLE_VALUE; }
-  static void close(Handle handle) noexcept { CloseHandle(handle); }
-};
 
 struct FindTraits {
   using Handle = HANDLE;
@@ -28,9 +22,8 @@ class SystemFiles final : public Files {
   }
 
   bool can_open(const char* path) override {
-    const ORLO::OwnedHandle<FileTraits> file(
-        CreateFileA(path, 0, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
-                    FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    const ORLO::OwnedFile file(CreateFileA(path, 0, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                           OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
     return static_cast<bool>(file);
   }
 

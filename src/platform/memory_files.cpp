@@ -1,6 +1,7 @@
 #include "platform/memory_files.h"
 
 #include <algorithm>
+#include <array>
 #include <string_view>
 
 #include "orlo/locale.h"
@@ -12,10 +13,24 @@ namespace {
 // The buffer that results of the search have to fit into, terminator included.
 constexpr size_t kPathBuffer = 260;
 
-std::string upper(const std::string& text) {
+/// The code page's characters in upper case; one byte is one character.
+std::array<char, 256> upper_table() {
+  std::array<char, 256> table;
   const ORLO::Locale& locale = ORLO::system_locale();
-  const std::u16string wide = upcase(locale.widen(text.data(), text.size()));
-  return locale.narrow(wide.data(), wide.size());
+  for (size_t code = 0; code < table.size(); ++code) {
+    const char character = static_cast<char>(code);
+    const std::u16string wide = upcase(locale.widen(&character, 1));
+    const std::string narrow = locale.narrow(wide.data(), wide.size());
+    table[code] = narrow.size() == 1 ? narrow.front() : character;
+  }
+  return table;
+}
+
+std::string upper(std::string text) {
+  static const std::array<char, 256> table = upper_table();
+  for (char& character : text)
+    character = table[static_cast<unsigned char>(character)];
+  return text;
 }
 
 bool is_separator(char character) {
@@ -104,7 +119,8 @@ std::optional<String> MemoryFiles::search_path(const char* name, const char* ext
   const std::string extended = has_extension ? plain : plain + extension;
   std::vector<std::string> candidates;
   if (plain.find_first_of("\\/:") != std::string::npos) {
-    candidates = {plain, extended};
+    candidates = {plain};
+    if (!has_extension) candidates.push_back(extended);
   } else {
     for (const std::string& folder : search_folders_) {
       candidates.push_back(folder + '\\');
@@ -137,8 +153,8 @@ bool MemoryFiles::enter(const char* operation, const char* argument) {
   return failing_.count(operation) == 0;
 }
 
-bool MemoryFiles::exists(const std::string& path) const {
-  const std::string wanted = upper(full_path(path));
+bool MemoryFiles::exists(const std::string& full) const {
+  const std::string wanted = upper(full);
   return files_.count(wanted) > 0 || folders_.count(wanted) > 0;
 }
 

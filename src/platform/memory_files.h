@@ -26,6 +26,7 @@ class MemoryFiles : public Files {
   void fail(const std::string& operation);
   /// The calls so far, as "is_file C:\\x.exe".
   const std::vector<std::string>& calls() const noexcept { return calls_; }
+  void forget_calls() noexcept { calls_.clear(); }
 
   bool is_file(const char* path) override;
   bool can_open(const char* path) override;
@@ -34,7 +35,7 @@ class MemoryFiles : public Files {
 
  private:
   bool enter(const char* operation, const char* argument);
-  bool exists(const std::string& path) const;
+  bool exists(const std::string& full) const;
   bool finds_file(const std::string& pattern) const;
   std::optional<String> first_existing(const std::vector<std::string>& candidates) const;
 

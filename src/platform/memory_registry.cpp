@@ -394,6 +394,14 @@ RegStatus MemoryRegistry::value_at(const RegistryKey& key, uint32_t index, char*
   return hand_over(delivered(found), data, size);
 }
 
+size_t MemoryRegistry::awaited() const {
+  const std::lock_guard<std::mutex> lock(impl_->mutex);
+  size_t count = 0;
+  for (const auto& [handle, key] : impl_->keys)
+    count += key->waiting.size();
+  return count;
+}
+
 RegStatus MemoryRegistry::notify(const RegistryKey& key, bool subtree, uint32_t filter,
                                  ORLO::Event& event) {
   const std::lock_guard<std::mutex> lock(impl_->mutex);

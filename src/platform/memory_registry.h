@@ -53,6 +53,8 @@ class MemoryRegistry : public Registry {
   void clear_calls();
   /// Keys that are open at the moment.
   size_t open_keys() const;
+  /// Events that notify() has promised to signal.
+  size_t awaited() const;
 
   RegStatus open(int32_t root, const char* path, uint32_t access, RegistryKey& key) override;
   RegStatus open(const RegistryKey& parent, const char* path, uint32_t access,

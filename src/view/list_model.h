@@ -3,59 +3,84 @@
 
 #include <cstdint>
 #include <map>
-#include <vector>
 
-#include "inventory/entry.h"
 #include "inventory/refresh_cycle.h"
-#include "view/columns.h"
-#include "view/list_control.h"
+#include "persist/image_index_map.h"
+#include "view/row_filter.h"
+#include "view/shown_rows.h"
 
 /// Lives on the main thread. Ids are given to entries in the order of their arrival, from 1.
+/// Filter, search and sort state outlast every refresh.
 class ListModel : public InventoryView {
  public:
-  /// Negative, 0 or positive, in the column's natural order.
-  using Compare = int (*)(const UninstallEntry& a, const UninstallEntry& b);
-
   ListModel(ListControl& list, CellTexts texts);
 
   void clear_marks() override;
-  void begin_batch() override { list_.freeze(true); }
-  /// Merges into the first entry of the same package, else appends and shows a new one.
+  void begin_batch() override { shown_.begin_batch(); }
+  /// Merges into the first entry of the same package, whose line stays where it is; else appends
+  /// a new one and, if the filter accepts it, shows it at its place.
   void applyEntry(const UninstallEntry& entry) override;
   /// Takes away the first entry whose `name` and root equal those of the row key.
   void removeEntry(const RowKey& key) override;
-  void end_batch() noexcept override { list_.freeze(false); }
+  void end_batch() noexcept override { shown_.end_batch(); }
   /// Forgets all entries and empties the list.
   void clear();
 
+  // What the user changes about the filter. All give the number of rows that are shown now; with
+  // none the detail pane has nothing to show.
+  size_t selectType(int index);
+  size_t toggleMicrosoft(bool checked);
+  size_t searchChanged(const String& text);
+  /// Empties the list and shows what the filter accepts. The line that the user chose last stays
+  /// chosen if it is still shown.
+  size_t rebuildList();
+
+  /// The user chose a column's header.
+  void sortByColumn(int column);
+  /// 0 is no grouping. True if the type selection had to change, to show sub packages; the list
+  /// has been rebuilt then.
+  bool selectGroup(int index);
+  /// Tells the control once more how it is grouped.
+  void set_group_view();
+  /// Gives hidden columns a width.
+  void show_all_columns();
+
   /// Text of a cell; valid until the next call. Empty for an id or column that doesn't exist.
   const String& cellText(uint32_t id, int column);
+  /// Null for an id that is gone. Valid until the entry is removed.
   const UninstallEntry* find(uint32_t id) const;
   size_t size() const noexcept { return entries_.size(); }
 
- private:
-  using Entries = std::map<uint32_t, UninstallEntry>;
-  using Item = Entries::value_type;
+  int type() const noexcept { return type_; }
+  const SortState& sort_state() const noexcept { return sort_; }
+  const Search& search() const noexcept { return search_; }
+  /// Gains an entry for every icon of a row that is shown. No entry may be taken out.
+  ImageIndexMap& images() noexcept { return images_; }
 
-  Item* find_package(const UninstallEntry& entry);
-  bool before(const Item* a, const Item* b) const;
-  void insertRow(const Item& item);
-  int position_of(size_t place) const;
+ private:
+  using Entries = std::map<uint32_t, ListRow>;
+
+  ListRow* row(uint32_t id);
+  ListRow* find_package(const UninstallEntry& entry);
+  template <typename Change>
+  void change(ListRow& row, Change make_change);
+  void filter(ListRow& row);
+  void sort_list();
 
   ListControl& list_;
   const CellTexts texts_;
+  ShowFlags flags_;
+  int type_ = kTypeNormal;
+  Search search_;
+  int groupMode_ = 0;
+  SortState sort_;
+  ImageIndexMap images_;
+
   Entries entries_;
-  /// Entries by `keyName`, equal ones in the order of their ids; the field never changes.
-  std::multimap<String, Item*, ByteOrder> by_key_name_;
   uint32_t next_id_ = 0;
-  Compare compare_;
-  bool descending_ = true;
-  /// All rows in the order of the list, equal rows in the order of their arrival. The items are
-  /// those of `entries_`, which stay where they are.
-  std::vector<const Item*> order_;
+  /// Entries by `keyName`, equal ones in the order of their ids; the field never changes.
+  std::multimap<String, ListRow*, ByteOrder> by_key_name_;
+  RowOrder order_{sort_};
+  ShownRows shown_{list_, sort_};
   String cell_;
 };
-
-/// Order of installation dates; dates that can't be converted are greater than all others and
-/// equal among themselves.
-int compareInstallDate(const UninstallEntry& a, const UninstallEntry& b);

@@ -7,7 +7,11 @@
 // Dialogs
 #define IDD_ABOUT 100
 #define IDD_MAIN 102
+#define IDD_FEATURES 103
 #define IDD_LEGEND 164
+#define IDD_MSI_CONTENT 165
+#define IDD_PATCHES 166
+#define IDD_DOWNLOAD 168
 
 // Menus and accelerators
 #define IDM_LIST 103
@@ -47,6 +51,14 @@
 
 // Controls of the legend
 #define IDC_LEGEND_LIST 1026
+
+// Controls of the other dialogs
+#define IDC_FEATURE_TREE 1022
+#define IDC_MSI_TABLES 1029
+#define IDC_MSI_ROWS 1030
+#define IDC_PATCH_LIST 1033
+#define IDC_DOWNLOAD_ADDRESS 1038
+#define IDC_DOWNLOAD_PROGRESS 1039
 
 // Commands of the menus
 #define ID_ABOUT 16
@@ -148,5 +160,6 @@
 #define IDS_PATCH_REGISTERED 170
 #define IDS_PARENT 171
 #define IDS_USER 172
+#define IDS_NOT_THERE_YET 1000
 // A link's target stands under the id of its control.
 #define IDS_ABOUT_MAIL_TARGET IDC_ABOUT_MAIL

@@ -13,21 +13,34 @@ class SysListControl : public ListControl {
   SysListControl& operator=(const SysListControl&) = delete;
 
   void add_column(int index, const String& title, int width, Align align) override;
-  void insert_item(int index, const String& text, uint32_t id, int image) override;
+  int column_width(int index) const override;
+  void set_column_width(int index, int width) override;
+  void set_sort_arrow(int column, SortArrow arrow) override;
+
+  void insert_item(int index, const Item& item) override;
   void delete_item(int index) override;
   void delete_all() override;
   int count() const override;
-  int find(uint32_t id) const override;
   uint32_t id_at(int index) const override;
   void redraw_item(int index) override;
+  void sort(const Order& order) override;
+
+  int selection_mark() const override;
+  unsigned state(int index) const override;
+  void select(int index, unsigned state) override;
+  void ensure_visible(int index) override;
+
+  void enable_groups(bool on) override;
+  void add_group(int id, const char16_t* title, int title_length) override;
+
   void freeze(bool on) override;
 
-  void ensure_visible(int index);
+  /// Position of the row with this id, -1 if it isn't shown. The control looks at line by line.
+  int find(uint32_t id) const;
   /// Adds styles such as LVS_EX_GRIDLINES; the others stay as they are.
   void set_extended_style(DWORD styles);
-  /// Takes the header's buttons away, for a list without sorting.
-  void disable_header_clicks();
   HWND window() const noexcept { return list_; }
+  HWND header() const { return reinterpret_cast<HWND>(send(LVM_GETHEADER)); }
 
  private:
   LRESULT send(UINT message, WPARAM wparam = 0, LPARAM lparam = 0) const {

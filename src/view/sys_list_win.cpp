@@ -1,6 +1,13 @@
 #include "view/sys_list.h"
 
+#include <exception>
+
 namespace {
+
+static_assert(ListControl::kFocused == LVIS_FOCUSED);
+static_assert(ListControl::kSelected == LVIS_SELECTED);
+constexpr UINT kStates = LVIS_FOCUSED | LVIS_SELECTED;
+constexpr int kArrows = HDF_SORTDOWN | HDF_SORTUP;
 
 WPARAM item(int index) {
   return static_cast<WPARAM>(index);
@@ -16,6 +23,34 @@ char* writable(const String& text) {
   return const_cast<char*>(text.c_str());
 }
 
+struct Sorting {
+  const ListControl::Order& order;
+  std::exception_ptr failure;
+};
+
+/// The control's own code stands between this and the caller, so a failure waits until it is over.
+int CALLBACK compare_ids(LPARAM a, LPARAM b, LPARAM context) {
+  auto& sorting = *reinterpret_cast<Sorting*>(context);
+  if (sorting.failure) return 0;
+  try {
+    return sorting.order(static_cast<uint32_t>(a), static_cast<uint32_t>(b));
+  } catch (...) {
+    sorting.failure = std::current_exception();
+    return 0;
+  }
+}
+
+int arrow_format(ListControl::SortArrow arrow) {
+  switch (arrow) {
+    case ListControl::SortArrow::down:
+      return HDF_SORTDOWN;
+    case ListControl::SortArrow::up:
+      return HDF_SORTUP;
+    default:
+      return 0;
+  }
+}
+
 }  // namespace
 
 void SysListControl::add_column(int index, const String& title, int width, Align align) {
@@ -28,13 +63,33 @@ void SysListControl::add_column(int index, const String& title, int width, Align
   send(LVM_INSERTCOLUMNA, item(index), address(column));
 }
 
-void SysListControl::insert_item(int index, const String& text, uint32_t id, int image) {
+int SysListControl::column_width(int index) const {
+  return static_cast<int>(send(LVM_GETCOLUMNWIDTH, item(index)));
+}
+
+void SysListControl::set_column_width(int index, int width) {
+  send(LVM_SETCOLUMNWIDTH, item(index), width);
+}
+
+void SysListControl::set_sort_arrow(int column, SortArrow arrow) {
+  HDITEMA title = {};
+  title.mask = HDI_FORMAT;
+  if (SendMessageA(header(), HDM_GETITEMA, item(column), address(title)) == FALSE) return;
+  title.fmt = (title.fmt & ~kArrows) | arrow_format(arrow);
+  SendMessageA(header(), HDM_SETITEMA, item(column), address(title));
+}
+
+void SysListControl::insert_item(int index, const Item& line) {
   LVITEMA row = {};
   row.mask = LVIF_TEXT | LVIF_PARAM | LVIF_IMAGE;
   row.iItem = index;
-  row.pszText = writable(text);
-  row.iImage = image;
-  row.lParam = static_cast<LPARAM>(id);
+  row.pszText = const_cast<char*>(line.text);
+  row.iImage = line.image;
+  row.lParam = static_cast<LPARAM>(line.id);
+  if (line.group != kNoGroup) {
+    row.mask |= LVIF_GROUPID;
+    row.iGroupId = line.group;
+  }
   send(LVM_INSERTITEMA, 0, address(row));
 }
 
@@ -68,6 +123,46 @@ void SysListControl::redraw_item(int index) {
   send(LVM_REDRAWITEMS, item(index), index);
 }
 
+void SysListControl::sort(const Order& order) {
+  Sorting sorting{order, nullptr};
+  send(LVM_SORTITEMS, reinterpret_cast<WPARAM>(&sorting), reinterpret_cast<LPARAM>(&compare_ids));
+  if (sorting.failure) std::rethrow_exception(sorting.failure);
+}
+
+int SysListControl::selection_mark() const {
+  return static_cast<int>(send(LVM_GETSELECTIONMARK));
+}
+
+unsigned SysListControl::state(int index) const {
+  return static_cast<unsigned>(send(LVM_GETITEMSTATE, item(index), kStates));
+}
+
+void SysListControl::select(int index, unsigned state) {
+  LVITEMA row = {};
+  row.state = state;
+  row.stateMask = kStates;
+  send(LVM_SETITEMSTATE, item(index), address(row));
+  send(LVM_SETSELECTIONMARK, 0, index);
+}
+
+void SysListControl::ensure_visible(int index) {
+  send(LVM_ENSUREVISIBLE, item(index), FALSE);
+}
+
+void SysListControl::enable_groups(bool on) {
+  send(LVM_ENABLEGROUPVIEW, on ? TRUE : FALSE);
+}
+
+void SysListControl::add_group(int id, const char16_t* title, int title_length) {
+  LVGROUP group = {};
+  group.cbSize = sizeof group;
+  group.mask = LVGF_HEADER | LVGF_GROUPID;
+  group.pszHeader = const_cast<wchar_t*>(reinterpret_cast<const wchar_t*>(title));
+  group.cchHeader = title_length;
+  group.iGroupId = id;
+  send(LVM_INSERTGROUP, item(-1), address(group));
+}
+
 void SysListControl::freeze(bool on) {
   if (on) {
     if (frozen_++ == 0) send(WM_SETREDRAW, FALSE);
@@ -78,15 +173,6 @@ void SysListControl::freeze(bool on) {
   InvalidateRect(list_, nullptr, TRUE);
 }
 
-void SysListControl::ensure_visible(int index) {
-  send(LVM_ENSUREVISIBLE, item(index), FALSE);
-}
-
 void SysListControl::set_extended_style(DWORD styles) {
   send(LVM_SETEXTENDEDLISTVIEWSTYLE, styles, static_cast<LPARAM>(styles));
-}
-
-void SysListControl::disable_header_clicks() {
-  const auto header = reinterpret_cast<HWND>(send(LVM_GETHEADER));
-  SetWindowLongPtrA(header, GWL_STYLE, GetWindowLongPtrA(header, GWL_STYLE) & ~HDS_BUTTONS);
 }

@@ -2,24 +2,23 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "inventory/reader.h"
 #include "inventory/refresh_cycle.h"
 #include "orlo/dialog_mixins.h"
 #include "orlo/flat_button.h"
+#include "orlo/wait_cursor.h"
 #include "orlo/window_handles.h"
-#include "persist/uninstall_para.h"
+#include "view/list_controller.h"
 #include "view/list_model.h"
+#include "view/package_commands.h"
 #include "view/resources.h"
 #include "view/sys_list.h"
+#include "view/uninstall_dlg_para.h"
 
-/// The run's record as the parameters of the main dialog.
-struct UninstallDlgPara : ORLO::ParaStruct {
-  explicit UninstallDlgPara(const UninstallPara& run_para) : run(run_para) {}
-  UninstallPara run;
-};
-
-class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORLO::DlgController>> {
+class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORLO::DlgController>>,
+                     private RefreshFrame {
  public:
   /// Resources and services must outlive the dialog.
   UninstallDlg(HWND window, std::unique_ptr<UninstallDlgPara> para, const Resources& resources,
@@ -30,6 +29,7 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   LRESULT Command(unsigned id, unsigned code, HWND control) override;
   LRESULT Notify(unsigned id, NMHDR* header) override;
   LRESULT Init(HWND focus_window) override;
+  /// Shuts down and closes. During a refresh that happens when the refresh has ended.
   void EndDialog(INT_PTR result) override;
 
  private:
@@ -40,21 +40,62 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   void set_resize_rules();
   void add_columns();
   void fill_combos();
-  void disable_what_has_no_work_yet();
+
+  // Commands; in uninstall_commands_win.cpp, as are the notices and menus below.
+  void ignore() {}
+  void type_chosen();
+  void microsoft_toggled();
+  void search_changed();
+  void group_chosen();
+  void show_all_columns() { model_.show_all_columns(); }
+  void show_about();
+  void show_help();
+  void show_issue_tracker();
+  void switch_language();
+  /// Says of a command that its work isn't there yet.
+  void tell_pending(unsigned command);
+  /// Makes a change of what the list shows, once nobody else works on the list, and tells of it.
+  template <typename Change>
+  void change_list(Change change);
+
+  // Notices of the list
+  LRESULT list_notice(NMHDR& header);
   void give_text(NMLVDISPINFOA& request);
+  void give_wide_text(NMLVDISPINFOW& request);
+  void item_changed(const NMLISTVIEW& change);
+  void double_clicked();
+  void right_clicked();
+  void sort_by(int column);
+
+  uint32_t marked_id() const { return list_.id_at(list_.selection_mark()); }
+  CommandContext context() const;
+  void update_menu(HMENU menu);
+  /// Opens the first popup of a menu and waits for the user's choice.
+  void track_popup(unsigned menu, POINT on_screen);
+  template <typename Show>
+  void show_box(Show show);
 
   /// Puts the window where it was last, or in the middle.
   void place_window();
-  void save_window_pos();
   void requestRefresh();
-  void runRefreshCycle();
   /// Forgets everything and reads anew: the user accepts the present state.
   void refresh_from_scratch();
-  void show_counts();
-  /// Stops the threads. Does nothing the second time.
+  /// While a menu is open, the refresh waits for its end.
+  void refresh(void (RefreshCycle::*request)());
+  void end_if_due();
+  /// Stops the threads and keeps what lasts. Does nothing the second time.
   void shut_down();
 
-  UninstallPara& run_;  ///< inside the dialog's parameters
+  // RefreshFrame
+  void forget_entries() override;
+  void begin_wait() override;
+  void end_wait() noexcept override;
+  void show_counts() override;
+  void show_failure(const String& text) override;
+  void refreshed() override;
+
+  UninstallDlgPara& para_;  ///< the dialog's parameters
+  UninstallPara& run_;      ///< inside these
   const Resources& resources_;
   ORLO::OwnedAccelerators accelerators_;
   ORLO::OwnedIcon big_icon_;
@@ -63,13 +104,21 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   ORLO::FlatButtonController modify_button_;
   ORLO::FlatButtonController repair_button_;
   ORLO::FlatButtonController uninstall_button_;
+  ListController list_controller_;
   SysListControl list_;
   ListModel model_;
+  String url_;  ///< where the cell leads that was clicked last; empty if nowhere
 
+  ORLO::CriticalSection listLock;
   Table currentTable;
-  int refreshCount = 0;
-  bool refreshing = false;
   bool closing = false;
+  bool menu_open_ = false;
+  int open_boxes_ = 0;
+  void (RefreshCycle::*postponed_)() = nullptr;
+  bool shut_down_ = false;
+  /// What the dialog is to end with when the refresh that is running has ended.
+  std::optional<INT_PTR> due_result_;
+  std::optional<ORLO::WaitCursor> wait_cursor_;
   // Behind what its passes and their hand-over touch, so that it goes first.
   UninstallReader reader_;
   RefreshCycle cycle_;

@@ -4,10 +4,11 @@
 #include <optional>
 #include <utility>
 
-#include "orlo/wait_cursor.h"
 #include "orlo/window_helpers.h"
+#include "persist/configuration.h"
 #include "persist/window_pos.h"
 #include "view/resource_ids.h"
+#include "view/window_restart.h"
 
 namespace {
 
@@ -19,6 +20,9 @@ constexpr COLORREF kActiveButtonText = 0xff0000;
 constexpr int kExtraWidth = 252;
 constexpr int kExtraHeight = 300;
 constexpr INT_PTR kClosed = 2;
+// Posted by the registry's watchers.
+constexpr UINT kRegistryChanged = WM_APP;
+constexpr UINT kMenuLeft = WM_APP + 1;
 
 // 1 moves the left edge with the dialog's growth, 2 the right, 4 the top, 8 the bottom edge.
 constexpr ResizeRule kResizeRules[] = {
@@ -47,45 +51,8 @@ constexpr ResizeRule kResizeRules[] = {
     {IDC_UNINSTALL_COMMAND, 14},
 };
 
-// Controls and menu items whose work comes with a later version.
-constexpr int kIdleControls[] = {IDC_SEARCH_LABEL,
-                                 IDC_SEARCH,
-                                 IDC_MICROSOFT,
-                                 IDC_TYPE_LABEL,
-                                 IDC_TYPE,
-                                 IDC_NAME_LABEL,
-                                 IDC_NAME,
-                                 IDC_ICON_PATH_LABEL,
-                                 IDC_ICON_PATH,
-                                 IDC_PANE_ICON,
-                                 IDC_VERSION_LABEL,
-                                 IDC_VERSION,
-                                 IDC_DATE_LABEL,
-                                 IDC_DATE,
-                                 IDC_UNINSTALL_COMMAND_LABEL,
-                                 IDC_UNINSTALL_COMMAND,
-                                 IDC_MODIFY,
-                                 IDC_REPAIR,
-                                 IDC_UNINSTALL};
-constexpr UINT kIdleMenuItems[] = {ID_MSI_CLEANUP,
-                                   ID_SYSTEM_RESTORE,
-                                   ID_MSCONFIG,
-                                   ID_MSINFO,
-                                   ID_SOFTWARE_CONTROL_PANEL,
-                                   ID_ORCA,
-                                   ID_EXPORT,
-                                   ID_CHECK_VERSION,
-                                   ID_SHOW_PAD,
-                                   ID_SWITCH_LANGUAGE,
-                                   ID_COLOR_BACKGROUND,
-                                   ID_COLOR_LEGEND,
-                                   ID_HELP_CONTENTS,
-                                   ID_BUG_REPORT,
-                                   ID_ABOUT};
-
 constexpr unsigned kTypeTexts[] = {IDS_TYPE_NORMAL, IDS_TYPE_SUB_PACKAGES,
                                    IDS_TYPE_SYSTEM_COMPONENTS, IDS_TYPE_OS_UPDATES, IDS_TYPE_ALL};
-constexpr int kAllPackages = 4;
 // Fixed in both languages.
 constexpr const char* kGroupTexts[] = {"-", "Pakettyp", "Abh\xe4ngigkeiten"};
 
@@ -100,24 +67,27 @@ HICON load_icon(HINSTANCE module, int width_metric, int height_metric) {
 UninstallDlg::UninstallDlg(HWND window, std::unique_ptr<UninstallDlgPara> dialog_para,
                            const Resources& resources, const UninstallReader::Services& services)
     : Base(window, std::move(dialog_para)),
-      run_(static_cast<UninstallDlgPara&>(*para).run),
+      para_(static_cast<UninstallDlgPara&>(*para)),
+      run_(para_.run),
       resources_(resources),
       accelerators_(resources.accelerators(IDA_MAIN)),
       refresh_button_(control(IDC_REFRESH), kButtonText, kActiveButtonText),
       modify_button_(control(IDC_MODIFY), kButtonText, kActiveButtonText),
       repair_button_(control(IDC_REPAIR), kButtonText, kActiveButtonText),
       uninstall_button_(control(IDC_UNINSTALL), kButtonText, kActiveButtonText),
+      list_controller_(control(IDC_LIST),
+                       [this](POINT on_screen) { track_popup(IDM_HEADER, on_screen); }),
       list_(control(IDC_LIST)),
       model_(list_, CellTexts{resources.text(IDS_CHANGED), resources.text(IDS_NEW)}),
       currentTable(packageSchema()),
-      reader_(services),
-      cycle_(reader_, currentTable, model_, services.clock) {
+      reader_(services, [window] { PostMessageA(window, kRegistryChanged, 0, 0); }),
+      cycle_({reader_, currentTable, listLock, model_, *this, services.clock}) {
   set_icons();
   set_menu();
   set_resize_rules();
   add_columns();
   fill_combos();
-  disable_what_has_no_work_yet();
+  para_.find = [this](uint32_t id) { return model_.find(id); };
 }
 
 UninstallDlg::~UninstallDlg() {
@@ -137,7 +107,7 @@ void UninstallDlg::set_menu() {
   ORLO::replace_menu(_hwnd, resources_.load_menu(IDM_MAIN));
   if (const HMENU system = GetSystemMenu(_hwnd, FALSE)) {
     AppendMenuA(system, MF_SEPARATOR, 0, nullptr);
-    AppendMenuA(system, MF_STRING | MF_GRAYED, ID_ABOUT, resources_.text(IDS_ABOUT_ITEM).c_str());
+    AppendMenuA(system, MF_STRING, ID_ABOUT, resources_.text(IDS_ABOUT_ITEM).c_str());
   }
 }
 
@@ -160,23 +130,13 @@ void UninstallDlg::fill_combos() {
   for (const unsigned id : kTypeTexts) {
     SendMessageA(types, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(resources_.text(id).c_str()));
   }
-  // Every entry is shown as long as there is no filter, and the selection says so.
-  SendMessageA(types, CB_SETCURSEL, kAllPackages, 0);
+  SendMessageA(types, CB_SETCURSEL, static_cast<WPARAM>(model_.type()), 0);
   const HWND groups = control(IDC_GROUP);
   for (const char* text : kGroupTexts) {
     SendMessageA(groups, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text));
   }
   SendMessageA(groups, CB_SETCURSEL, 0, 0);
   CheckDlgButton(_hwnd, IDC_MICROSOFT, BST_CHECKED);
-}
-
-void UninstallDlg::disable_what_has_no_work_yet() {
-  for (const int id : kIdleControls)
-    EnableWindow(control(id), FALSE);
-  const HMENU menu = GetMenu(_hwnd);
-  for (const UINT id : kIdleMenuItems)
-    EnableMenuItem(menu, id, MF_BYCOMMAND | MF_GRAYED);
-  list_.disable_header_clicks();
 }
 
 void UninstallDlg::place_window() {
@@ -190,21 +150,12 @@ void UninstallDlg::place_window() {
   ShowWindow(_hwnd, pos->show_command);
 }
 
-void UninstallDlg::save_window_pos() {
-  WINDOWPLACEMENT placement = {};
-  placement.length = sizeof placement;
-  if (GetWindowPlacement(_hwnd, &placement) == FALSE) return;
-  const RECT& normal = placement.rcNormalPosition;
-  keep_window_pos(
-      {normal.left, normal.top, normal.right, normal.bottom, static_cast<int>(placement.showCmd)},
-      run_.windowPos);
-}
-
 LRESULT UninstallDlg::Init(HWND) {
   place_window();
   ShowWindow(_hwnd, SW_SHOW);
   UpdateWindow(_hwnd);
-  SetFocus(control(IDC_LIST));
+  // Before the first pass, during which the window is used already.
+  SetFocus(control(IDC_SEARCH));
   requestRefresh();
   // The focus has been set.
   return FALSE;
@@ -212,8 +163,32 @@ LRESULT UninstallDlg::Init(HWND) {
 
 LRESULT UninstallDlg::WndProc(UINT message, WPARAM wparam, LPARAM lparam) {
   switch (message) {
+    case kRegistryChanged:
+      requestRefresh();
+      return TRUE;
+    case WM_ENTERMENULOOP:
+      menu_open_ = true;
+      return TRUE;
+    case WM_EXITMENULOOP:
+      menu_open_ = false;
+      if (postponed_ != nullptr) PostMessageA(_hwnd, kMenuLeft, 0, 0);
+      return TRUE;
+    case kMenuLeft:
+      // Behind the menu's end, whose loop is still on the stack when it tells of it.
+      if (const auto request = std::exchange(postponed_, nullptr)) refresh(request);
+      return TRUE;
+    case WM_INITMENUPOPUP:
+      update_menu(reinterpret_cast<HMENU>(wparam));
+      return FALSE;
+    case WM_SYSCOMMAND:
+      // The system keeps the lowest four bits for itself.
+      if ((wparam & 0xfff0) != ID_ABOUT) return Base::WndProc(message, wparam, lparam);
+      show_about();
+      return TRUE;
     case WM_CLOSE:
       closing = true;
+      // Only what the user has typed is read.
+      if (para_.current_entry() != nullptr) CanClose(true);
       EndDialog(kClosed);
       return TRUE;
     case ORLO::kMsgTranslate:
@@ -224,65 +199,54 @@ LRESULT UninstallDlg::WndProc(UINT message, WPARAM wparam, LPARAM lparam) {
   }
 }
 
-LRESULT UninstallDlg::Command(unsigned id, unsigned code, HWND sender) {
-  switch (id) {
-    case IDOK:
-      // Enter must not close the dialog.
-      return TRUE;
-    case IDC_REFRESH:
-      refresh_from_scratch();
-      return TRUE;
-    default:
-      return Base::Command(id, code, sender);
-  }
-}
-
-LRESULT UninstallDlg::Notify(unsigned id, NMHDR* header) {
-  if (header->idFrom == IDC_LIST && header->code == LVN_GETDISPINFOA) {
-    give_text(*reinterpret_cast<NMLVDISPINFOA*>(header));
-    return TRUE;
-  }
-  return Base::Notify(id, header);
-}
-
-void UninstallDlg::give_text(NMLVDISPINFOA& request) {
-  LVITEMA& item = request.item;
-  if ((item.mask & LVIF_TEXT) == 0 || item.pszText == nullptr || item.cchTextMax <= 0) return;
-  const String& text = model_.cellText(static_cast<uint32_t>(item.lParam), item.iSubItem);
-  lstrcpynA(item.pszText, text.c_str(), item.cchTextMax);
-}
-
 void UninstallDlg::requestRefresh() {
-  ++refreshCount;
-  if (refreshing) return;
-  const struct Refreshing {
-    bool& flag;
-    explicit Refreshing(bool& f) : flag(f) { flag = true; }
-    ~Refreshing() { flag = false; }
-    Refreshing(const Refreshing&) = delete;
-    Refreshing& operator=(const Refreshing&) = delete;
-  } running(refreshing);
-  runRefreshCycle();
-  UpdateWindow(list_.window());
-}
-
-void UninstallDlg::runRefreshCycle() {
-  {
-    const ORLO::WaitCursor cursor(IDC_WAIT);
-    UpdateWindow(_hwnd);
-    if (!cycle_.run()) return;
-    show_counts();
-  }
-  const String failure = reader_.error_text();
-  if (failure.empty()) return;
-  MessageBoxA(_hwnd, failure.c_str(), resources_.text(IDS_EXCEPTION).c_str(), MB_ICONWARNING);
+  refresh(&RefreshCycle::requestRefresh);
 }
 
 void UninstallDlg::refresh_from_scratch() {
+  refresh(&RefreshCycle::requestAfresh);
+}
+
+void UninstallDlg::refresh(void (RefreshCycle::*request)()) {
+  // The cycle's wait would take the keys that the menu is to get.
+  if (menu_open_) {
+    if (postponed_ != &RefreshCycle::requestAfresh) postponed_ = request;
+    return;
+  }
+  // However the cycle ends, an end that was asked for meanwhile is due.
+  try {
+    (cycle_.*request)();
+  } catch (...) {
+    end_if_due();
+    throw;
+  }
+  end_if_due();
+}
+
+void UninstallDlg::end_if_due() {
+  if (due_result_ && !cycle_.refreshing()) EndDialog(*due_result_);
+}
+
+void UninstallDlg::forget_entries() {
   model_.clear();
-  currentTable.clear_rows();
-  reader_.clear();
-  requestRefresh();
+}
+
+void UninstallDlg::begin_wait() {
+  wait_cursor_.emplace(IDC_WAIT);
+  UpdateWindow(_hwnd);
+}
+
+void UninstallDlg::end_wait() noexcept {
+  wait_cursor_.reset();
+}
+
+void UninstallDlg::show_failure(const String& text) {
+  MessageBoxA(_hwnd, text.c_str(), resources_.text(IDS_EXCEPTION).c_str(), MB_ICONWARNING);
+}
+
+void UninstallDlg::refreshed() {
+  model_.set_group_view();
+  UpdateWindow(list_.window());
 }
 
 void UninstallDlg::show_counts() {
@@ -292,11 +256,21 @@ void UninstallDlg::show_counts() {
 }
 
 void UninstallDlg::shut_down() {
+  if (std::exchange(shut_down_, true)) return;
+  cycle_.end();
   reader_.stop(ORLO::ActiveObject::WaitMode::pump);
+  keep_window_place(_hwnd, run_.windowPos);
+  if (!run_.noPersist) writeConfiguration(run_);
 }
 
 void UninstallDlg::EndDialog(INT_PTR result) {
+  cycle_.end();
+  // An open menu would keep its own message loop, and with it the dialog's, from ending.
+  EndMenu();
+  due_result_ = result;
+  if (cycle_.refreshing() || shut_down_) return;
   shut_down();
-  save_window_pos();
+  // So would a box.
+  if (open_boxes_ > 0) PostMessageA(GetLastActivePopup(_hwnd), WM_CLOSE, 0, 0);
   Base::EndDialog(result);
 }

@@ -54,3 +54,9 @@ def test_a_wait_for_a_window_ends_with_its_process(driver):
     with pytest.raises(DriverError, match="no window of class"):
         driver("wait-window", pid, "", "No such title", 60000)
     assert driver("wait-exit", pid, 5000) == 7
+
+
+def test_running_programs_are_found_by_their_file_name(driver):
+    assert driver("processes", "not there.exe") == []
+    found = driver("processes", "zolvane-driver.exe")
+    assert len(found) == 1 and driver("running", found[0])

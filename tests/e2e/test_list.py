@@ -4,7 +4,7 @@ import pytest
 
 from conftest import ENGLISH, GERMAN
 from support import rules, samples
-from support.registry import UNINSTALL
+from support.program import ALL_PACKAGES
 
 NAME, PROGRAM, VERSION, PARENT_NAME, DATE, SIZE = 0, 2, 3, 5, 6, 8
 UNINSTALL_COMMAND, INSTALLER, CHECK, ICON, LAST_USE, BIT64, FREQUENCY = 9, 11, 12, 13, 15, 19, 21
@@ -48,21 +48,13 @@ def str_id(value):
     return str(value)[:24]
 
 
-def write_times(driver):
-    """The last write time of every key below the three Uninstall keys."""
-    places = {"local": ("HKLM", 32), "local64": ("HKLM", 64), "user": ("HKCU", 64)}
-    return {(place, key["name"].lower()): key["written"]
-            for place, (root, view) in places.items()
-            for key in driver("reg-keys", root, view, "Software\\" + UNINSTALL)}
-
-
 class Filled:
     """The program over the whole sample, with what it has to show."""
 
     def __init__(self, desk, packages):
         self.program = desk.open("-nopersist", "-noupdate")
-        world = rules.World(samples.KEYS, samples.USAGES, write_times(desk.driver), desk.prefix,
-                            desk.driver("short-date"))
+        self.program.select_type(ALL_PACKAGES)
+        world = rules.world_of(desk, samples.KEYS, samples.USAGES)
         self.expected = rules.expected_list(world)
         count = len(self.expected)
         self.program.wait_for_status(f"{count} / {count} {packages}")

@@ -2,7 +2,7 @@
 
 import pytest
 
-from support.program import REFRESH
+from support.program import REFRESH, DriverError, eventually
 from support.registry import SZ, UNINSTALL, Key
 
 KEYS = [Key("local", "Stays", {"DisplayName": "Stays", "InstallDate": "20251112"}),
@@ -17,7 +17,14 @@ def set_value(desk, place, key, name, text):
 
 
 def names(program):
-    return [row[2] for row in program.rows()]
+    """Asked again where the list has changed while it was read, row by row."""
+    def read():
+        try:
+            return [[row[2] for row in program.rows()]]
+        except DriverError:
+            return None
+
+    return eventually(read, "the list stays as it is while it is read")[0]
 
 
 @pytest.fixture
@@ -47,8 +54,10 @@ def test_refresh_shows_what_was_added_changed_and_removed(desk, program, refresh
     set_value(desk, "local", "Stays", "DisplayName", "Stays, renamed")
     desk.driver("reg-delete", *PLACES["local64"], f"Software\\{UNINSTALL}\\Goes")
     refresh(program)
+    wanted = ["Newest", "Stays, renamed", "Mine", "Oldest"]
+    # The watchers refresh too, so the list may be met while it is filled again.
+    eventually(lambda: names(program) == wanted, lambda: f"{wanted}, but {names(program)}")
     program.wait_filled(4)
-    assert names(program) == ["Newest", "Stays, renamed", "Mine", "Oldest"]
 
 
 def test_a_refresh_of_an_empty_machine_shows_nothing(desk, program):

@@ -3,7 +3,7 @@
 import pytest
 
 from conftest import ENGLISH, GERMAN
-from support.program import LIST, REFRESH, eventually
+from support.program import REFRESH, SEARCH, eventually
 from support.registry import Key
 
 MUTEXES = ("Quillmere-Zolvane", "Global\\Quillmere-Zolvane")
@@ -77,19 +77,6 @@ def test_a_second_start_opens_a_second_window(desk):
     assert second.close() == 0
 
 
-def test_postupdate_without_its_file_ends_with_1_and_shows_nothing(desk):
-    pid = desk.start("-postupdate")
-    shown = []
-
-    def has_ended():
-        shown.extend(desk.windows_of(pid))
-        return not desk.driver("running", pid)
-
-    eventually(has_ended, "the process ends")
-    assert desk.driver("wait-exit", pid, 0) == 1
-    assert shown == []
-
-
 def test_closing_ends_with_0(desk):
     assert desk.open(*QUIET).close() == 0
 
@@ -102,11 +89,11 @@ def test_escape_ends_with_0(desk):
 
 def test_enter_does_not_close(desk):
     program = desk.open(*QUIET)
-    eventually(lambda: program.ask("focus") == LIST, "the list has the focus")
+    eventually(lambda: program.ask("focus") == SEARCH, "the search text has the focus")
     program.press_key("Return")
     # The keys arrive in their order: when Tab has moved the focus, Enter has had its effect.
     program.press_key("Tab")
-    eventually(lambda: program.ask("focus") != LIST, "Tab has moved the focus")
+    eventually(lambda: program.ask("focus") != SEARCH, "Tab has moved the focus")
     program.ask("command", 1)
     assert program.is_running()
     assert program.window()["visible"]

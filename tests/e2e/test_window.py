@@ -51,6 +51,30 @@ TYPES = {
                "alle Pakete"],
 }
 
+# Id, English text, German text of the main menu's items, in their order.
+MENU_ITEMS = [
+    (1024, "&Export as XLS or CSV file ...", "&Export als XLS oder CSV-File ..."),
+    (2004, "&MSI Package Cleanup ...", "&MSI Paket-Cleanup ..."),
+    (2007, "System &Restore ...", "System-&Wiederherstellung ..."),
+    (2006, "MS&Config ...", "MS&Config ..."),
+    (2005, "MS&Info ...", "MS&Info ..."),
+    (2011, "&Software Control Panel ...", "&Software Control Panel ..."),
+    (2014, "&ORCA...", "&ORCA..."),
+    (32784, "&Color background", "&Farbmarkierungen"),
+    (32785, "Color &legend ...", "Farb-Legende ..."),
+    (32, "Switch to &German", "Umschalten zu &Englisch"),
+    (57670, "&Help ...", "&Hilfe ..."),
+    (32790, "Bug &Report / Feature Request ...", "Bug &Report / Feature Request ..."),
+    (32788, "Current &Version ...", "aktuelle &Version ..."),
+    (2008, "Show &PAD information ...", "&PAD-Anzeige ..."),
+    (16, "&Info about Zolvane ...", "&Info \u00fcber Zolvane ..."),
+]
+
+# What is grey where no package is chosen, on a 64-bit system without an editor for MSI files.
+GREY_CONTROLS = {1021, 2010, 1018}
+GREY_MENU_ITEMS = {2007, 2006, 2014}
+CHECKED_MENU_ITEMS = {32784}
+
 BS_OWNERDRAW, BS_TYPEMASK = 0xB, 0xF
 ES_READONLY = 0x800
 LVS_REPORT_SINGLESEL_SHOWSELALWAYS = 0x1 | 0x4 | 0x8
@@ -138,14 +162,37 @@ def test_combo_boxes_have_their_items(program, language):
     assert program.ask("combo", 1016)["items"] == TYPES[language]
     groups = program.ask("combo", 1040)
     assert groups == {"items": ["-", "Pakettyp", "Abh\u00e4ngigkeiten"], "selected": 0}
+    assert program.ask("combo", 1016)["selected"] == 0
     assert program.ask("checked", 1028) == 1
+
+
+def menu_items(program):
+    return [item for popup in program.ask("menu") for item in popup["items"]
+            if not item["separator"]]
+
+
+def test_the_menu_has_its_items(program, language):
+    wanted = [(number, {"english": english, "german": german}[language])
+              for number, english, german in MENU_ITEMS]
+    assert [(item["id"], item["text"]) for item in menu_items(program)] == wanted
+
+
+def test_only_that_is_grey_which_can_do_nothing(program):
+    disabled = {number for number, control in program.controls().items()
+                if number and control["visible"] and not control["enabled"]}
+    assert disabled == GREY_CONTROLS
+    assert {item["id"] for item in menu_items(program) if item["gray"]} == GREY_MENU_ITEMS
+
+
+def test_the_switch_that_is_on_is_checked(program):
+    assert {item["id"] for item in menu_items(program) if item["checked"]} == CHECKED_MENU_ITEMS
 
 
 def test_the_system_menu_ends_with_the_about_item(program, language):
     *_, separator, about = program.ask("system-menu")
     assert separator["separator"]
     wanted = {"english": "Inf&o about Zolvane...", "german": "Inf&o \u00fcber Zolvane..."}
-    assert (about["id"], about["text"]) == (16, wanted[language])
+    assert (about["id"], about["text"], about["gray"]) == (16, wanted[language], False)
 
 
 def test_it_opens_larger_than_its_template_and_no_smaller_than_that(program):
@@ -229,11 +276,14 @@ def test_minimising_lays_nothing_out(program):
     assert rects(program) == before
 
 
-@pytest.fixture(params=["start", "minimum"])
+@pytest.fixture(params=["start", "minimum", "maximum"])
 def sized(request, program, language):
-    """The program at one of its two telling sizes, with a picture of it."""
+    """The program at one of its three telling sizes, with a picture of it."""
     if request.param == "minimum":
         to_minimum(program)
+    elif request.param == "maximum":
+        program.ask("show", SW_MAXIMIZE)
+        eventually(lambda: program.window()["zoomed"], "it is maximised")
     program.activate()
     picture = program.picture(SCREENSHOTS / f"{language}-{request.param}.png")
     return program, picture

@@ -54,6 +54,15 @@ void is_checked(const Words& words, Json& answer) {
   answer.number(send_limited(control_of(words), BM_GETCHECK, 0, 0));
 }
 
+/// check DIALOG ID STATE: as a user's click, with the notification.
+void check(const Words& words, Json& answer) {
+  const HWND box = control_of(words);
+  send_limited(box, BM_SETCHECK, static_cast<WPARAM>(words.number(3)), 0);
+  answer.number(send_limited(window_at(words, 1), WM_COMMAND,
+                             MAKEWPARAM(words.number(2), BN_CLICKED),
+                             reinterpret_cast<LPARAM>(box)));
+}
+
 /// command DIALOG ID [CODE]: WM_COMMAND, as a menu item or (where there is one) the control sends.
 void send_command(const Words& words, Json& answer) {
   const HWND dialog = window_at(words, 1);
@@ -73,13 +82,9 @@ void select_in_combo(const Words& words, Json& answer) {
 }
 
 constexpr Command kCommands[] = {
-    {"control", show_control},
-    {"controls", list_controls},
-    {"text", read_text},
-    {"set-text", set_text},
-    {"checked", is_checked},
-    {"command", send_command},
-    {"combo-select", select_in_combo},
+    {"control", show_control}, {"controls", list_controls},       {"text", read_text},
+    {"set-text", set_text},    {"checked", is_checked},           {"check", check},
+    {"command", send_command}, {"combo-select", select_in_combo},
 };
 
 }  // namespace

@@ -142,6 +142,17 @@ void read_rows(const Words& words, Json& answer) {
   answer.end_array();
 }
 
+/// list-column DIALOG ID COLUMN: one text for each row, from the top.
+void read_column(const Words& words, Json& answer) {
+  const ForeignList list(control_of(words));
+  const auto column = static_cast<int>(words.number(3));
+  const int64_t count = list.count();
+  answer.begin_array();
+  for (int64_t row = 0; row < count; ++row)
+    answer.text(list.cell(row, column));
+  answer.end_array();
+}
+
 /// list-state DIALOG ID
 void read_state(const Words& words, Json& answer) {
   const HWND list = control_of(words);
@@ -186,8 +197,9 @@ void header_rect(const Words& words, Json& answer) {
 }
 
 constexpr Command kCommands[] = {
-    {"list-columns", read_columns}, {"list-rows", read_rows},      {"list-state", read_state},
-    {"list-select", select_row},    {"list-cell-rect", cell_rect}, {"header-rect", header_rect},
+    {"list-columns", read_columns}, {"list-column", read_column}, {"list-rows", read_rows},
+    {"list-state", read_state},     {"list-select", select_row},  {"list-cell-rect", cell_rect},
+    {"header-rect", header_rect},
 };
 
 }  // namespace

@@ -10,7 +10,10 @@ inline constexpr char kProbeFile[] = "zolvane-probe.dll";
 /// The exported function, a thread's start routine; its argument is a ProbeRequest in the program.
 inline constexpr char kProbeEntry[] = "zolvane_probe";
 
-enum class ProbeQuestion : uint32_t { menu, system_menu, text_extents, dialog_units, combo };
+/// The window class of open popup menus.
+inline constexpr char kPopupClass[] = "#32768";
+
+enum class ProbeQuestion : uint32_t { menu, system_menu, text_extents, dialog_units, combo, popup };
 
 struct ProbeRequest {
   ProbeQuestion question;

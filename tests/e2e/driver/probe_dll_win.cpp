@@ -48,6 +48,13 @@ void write_system_menu(Json& answer, HWND window) {
   write_items(answer, window, GetSystemMenu(window, FALSE), true);
 }
 
+/// The popup knows its menu.
+void write_popup(Json& answer, HWND window) {
+  const HWND popup = FindWindowA(kPopupClass, nullptr);
+  const auto menu = reinterpret_cast<HMENU>(SendMessageA(popup, MN_GETHMENU, 0, 0));
+  write_items(answer, window, menu, false);
+}
+
 struct ReleaseDcOf {
   HWND window;
   void operator()(HDC context) const { ReleaseDC(window, context); }
@@ -115,6 +122,9 @@ void answer_request(ProbeRequest& request) {
       break;
     case ProbeQuestion::dialog_units:
       write_units(answer, window, request.first, request.second);
+      break;
+    case ProbeQuestion::popup:
+      write_popup(answer, window);
       break;
     case ProbeQuestion::combo:
       write_combo(answer, GetDlgItem(window, request.first));

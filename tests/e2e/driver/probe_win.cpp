@@ -109,11 +109,18 @@ void read_combo(const Words& words, Json& answer) {
   ask(words, ProbeQuestion::combo, answer);
 }
 
+/// popup WINDOW: the items of the popup menu that its program has open; refused if there is none.
+void read_popup(const Words& words, Json& answer) {
+  if (FindWindowA(kPopupClass, nullptr) == nullptr) throw Refusal("no popup menu is open");
+  ask(words, ProbeQuestion::popup, answer);
+}
+
 constexpr Command kCommands[] = {{"menu", read_menu},
                                  {"system-menu", read_system_menu},
                                  {"text-extents", read_extents},
                                  {"dialog-units", map_units},
-                                 {"combo", read_combo}};
+                                 {"combo", read_combo},
+                                 {"popup", read_popup}};
 
 }  // namespace
 

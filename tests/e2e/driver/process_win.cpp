@@ -1,8 +1,13 @@
 // Programs that the driver starts, and what a running process leaves to be seen.
 #include <map>
+#include <string>
+#include <utility>
 
 #include "command.h"
 #include "remote_win.h"
+// These need what windows.h brings.
+#include <psapi.h>
+#include <tlhelp32.h>
 
 namespace driver {
 namespace {
@@ -57,6 +62,31 @@ void kill(const Words& words, Json& answer) {
   WaitForSingleObject(process, 5000);
 }
 
+/// Keeps a handle of a process that somebody else has started, as of one started here.
+void adopt(DWORD id) {
+  if (started().count(id) != 0) return;
+  const DWORD rights =
+      SYNCHRONIZE | PROCESS_TERMINATE | PROCESS_QUERY_INFORMATION | PROCESS_VM_READ;
+  if (KernelHandle process{OpenProcess(rights, FALSE, id)}) started()[id] = std::move(process);
+}
+
+/// processes NAME: the ids of the running programs of this file name, which then count as started
+/// here.
+void list_processes(const Words& words, Json& answer) {
+  const HANDLE taken = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
+  if (taken == INVALID_HANDLE_VALUE) throw Refusal("no list of processes");
+  const KernelHandle snapshot(taken);
+  PROCESSENTRY32 entry{};
+  entry.dwSize = sizeof entry;
+  answer.begin_array();
+  for (BOOL more = Process32First(taken, &entry); more; more = Process32Next(taken, &entry)) {
+    if (words.text(1) != entry.szExeFile) continue;
+    adopt(entry.th32ProcessID);
+    answer.number(entry.th32ProcessID);
+  }
+  answer.end_array();
+}
+
 /// mutex NAME: whether some process holds one of this name open.
 void mutex_exists(const Words& words, Json& answer) {
   const KernelHandle mutex(OpenMutexA(SYNCHRONIZE, FALSE, words.text(1).c_str()));
@@ -75,11 +105,59 @@ void short_date(const Words&, Json& answer) {
   answer.text(picture);
 }
 
+/// set-env NAME VALUE: for the programs that are started from here on; without a value, unset.
+void set_environment(const Words& words, Json& answer) {
+  const char* const value = words.count() > 2 ? words.text(2).c_str() : nullptr;
+  answer.boolean(SetEnvironmentVariableA(words.text(1).c_str(), value) != FALSE);
+}
+
+/// Events by their names, made here if nobody has yet, and kept.
+HANDLE event_at(const Words& words) {
+  static std::map<std::string, KernelHandle> events;
+  KernelHandle& event = events[words.text(1)];
+  if (event == nullptr) {
+    event = KernelHandle(CreateEventA(nullptr, FALSE, FALSE, words.text(1).c_str()));
+  }
+  return event.get();
+}
+
+/// event-wait NAME LIMIT: takes the signal.
+void wait_for_event(const Words& words, Json& answer) {
+  const auto limit = static_cast<DWORD>(words.number(2));
+  if (WaitForSingleObject(event_at(words), limit) != WAIT_OBJECT_0) {
+    throw Refusal("no signal within the limit");
+  }
+  answer.boolean(true);
+}
+
+/// event-set NAME
+void set_event(const Words& words, Json& answer) {
+  answer.boolean(SetEvent(event_at(words)) != FALSE);
+}
+
+/// memory PID: the bytes that are the process's own.
+void private_bytes(const Words& words, Json& answer) {
+  PROCESS_MEMORY_COUNTERS counters{};
+  counters.cb = sizeof counters;
+  if (!GetProcessMemoryInfo(started_at(words, 1), &counters, sizeof counters)) {
+    throw Refusal("no figures, error " + std::to_string(GetLastError()));
+  }
+  answer.number(static_cast<int64_t>(counters.PagefileUsage));
+}
+
 constexpr Command kCommands[] = {
-    {"start", start},           {"wait-exit", wait_exit},
-    {"running", is_running},    {"kill", kill},
-    {"mutex", mutex_exists},    {"temp-folder", temp_folder},
+    {"start", start},
+    {"wait-exit", wait_exit},
+    {"running", is_running},
+    {"kill", kill},
+    {"processes", list_processes},
+    {"mutex", mutex_exists},
+    {"temp-folder", temp_folder},
     {"short-date", short_date},
+    {"set-env", set_environment},
+    {"event-wait", wait_for_event},
+    {"event-set", set_event},
+    {"memory", private_bytes},
 };
 
 }  // namespace

@@ -28,6 +28,16 @@ DWORD process_of(HWND window) {
   return pid;
 }
 
+/// The title as the system keeps it: a window whose thread is busy has one too.
+std::string window_title(HWND window) {
+  wchar_t wide[256];
+  const int length = InternalGetWindowText(window, wide, 256);
+  char narrow[512];
+  const int bytes =
+      WideCharToMultiByte(CP_ACP, 0, wide, length, narrow, sizeof narrow, nullptr, nullptr);
+  return std::string(narrow, static_cast<size_t>(std::max(bytes, 0)));
+}
+
 void write_window(Json& answer, HWND window) {
   RECT frame{};
   RECT client{};
@@ -37,7 +47,7 @@ void write_window(Json& answer, HWND window) {
       .member("handle", handle_number(window))
       .member("pid", process_of(window))
       .member("class", window_class(window))
-      .member("title", window_text(window))
+      .member("title", window_title(window))
       .flag("visible", IsWindowVisible(window) != FALSE)
       .flag("enabled", IsWindowEnabled(window) != FALSE)
       .flag("iconic", IsIconic(window) != FALSE)
@@ -59,7 +69,7 @@ struct Wanted {
   bool fits(HWND window) const {
     return IsWindowVisible(window) && (pid == 0 || process_of(window) == pid) &&
            (window_class.empty() || driver::window_class(window) == window_class) &&
-           (title.empty() || window_text(window) == title);
+           (title.empty() || window_title(window) == title);
   }
 };
 
@@ -173,11 +183,57 @@ void focused_control(const Words& words, Json& answer) {
   answer.number(info.hwndFocus != nullptr ? GetDlgCtrlID(info.hwndFocus) : 0);
 }
 
+/// in-menu WINDOW: whether a menu of the window's thread is open.
+void is_in_menu(const Words& words, Json& answer) {
+  GUITHREADINFO info{};
+  info.cbSize = sizeof info;
+  answer.boolean(GetGUIThreadInfo(GetWindowThreadProcessId(window_at(words, 1), nullptr), &info) &&
+                 (info.flags & GUI_INMENUMODE) != 0);
+}
+
+/// post-thread WINDOW MESSAGE: to the window's thread itself.
+void post_to_thread(const Words& words, Json& answer) {
+  const DWORD thread = GetWindowThreadProcessId(window_at(words, 1), nullptr);
+  if (!PostThreadMessageA(thread, static_cast<UINT>(words.number(2)), 0, 0)) {
+    throw Refusal("the message can't be posted");
+  }
+  answer.boolean(true);
+}
+
+/// ping WINDOW TIMES LIMIT: for each time the microseconds until the window has answered.
+void ping(const Words& words, Json& answer) {
+  const HWND window = window_at(words, 1);
+  LARGE_INTEGER frequency{};
+  QueryPerformanceFrequency(&frequency);
+  answer.begin_array();
+  for (int64_t i = 0; i < words.number(2); ++i) {
+    LARGE_INTEGER start{};
+    LARGE_INTEGER end{};
+    QueryPerformanceCounter(&start);
+    if (SendMessageTimeoutA(window, WM_NULL, 0, 0, SMTO_NORMAL, static_cast<UINT>(words.number(3)),
+                            nullptr) == 0) {
+      throw Refusal("no answer within the limit");
+    }
+    QueryPerformanceCounter(&end);
+    answer.number((end.QuadPart - start.QuadPart) * 1000000 / frequency.QuadPart);
+  }
+  answer.end_array();
+}
+
 constexpr Command kCommands[] = {
-    {"windows", list_windows},     {"wait-window", wait_window}, {"wait-gone", wait_gone},
-    {"window", show_window_state}, {"send", send_message},       {"post", post_message},
-    {"move", move_window},         {"show", show_window},        {"min-size", min_size},
+    {"windows", list_windows},
+    {"wait-window", wait_window},
+    {"wait-gone", wait_gone},
+    {"window", show_window_state},
+    {"send", send_message},
+    {"post", post_message},
+    {"move", move_window},
+    {"show", show_window},
+    {"min-size", min_size},
     {"focus", focused_control},
+    {"post-thread", post_to_thread},
+    {"in-menu", is_in_menu},
+    {"ping", ping},
 };
 
 }  // namespace

@@ -9,8 +9,14 @@ WINDOW_CLASS = "#32770"
 TITLE = "Zolvane"
 
 LIST = 1001
-STATUS = 1031
 REFRESH = 1007
+TYPE = 1016
+SEARCH = 1026
+MICROSOFT = 1028
+STATUS = 1031
+GROUP = 1040
+
+ALL_PACKAGES = 4
 
 
 def eventually(condition, what, limit=30):
@@ -28,11 +34,18 @@ def eventually(condition, what, limit=30):
 
 
 class Program:
-    def __init__(self, driver, screen, pid):
+    def __init__(self, driver, screen, pid, visible=True):
         self._driver = driver
         self._screen = screen
         self.pid = pid
-        self.handle = driver("wait-window", pid, WINDOW_CLASS, TITLE, WINDOW_LIMIT * 1000)["handle"]
+        self.handle = eventually(lambda: self._find(visible), "the program's window", WINDOW_LIMIT)
+
+    def _find(self, visible):
+        for window in self._driver("windows", self.pid):
+            if (window["class"], window["title"]) == (WINDOW_CLASS, TITLE):
+                if window["visible"] or not visible:
+                    return window["handle"]
+        return None
 
     def ask(self, command, *arguments):
         """A command of the driver about this window."""
@@ -47,12 +60,33 @@ class Program:
     def controls(self):
         return {control["id"]: control for control in self.ask("controls")}
 
+    def send_to(self, control_id, message, wparam=0, lparam=0):
+        """A message to a control."""
+        return self._driver("send", self.control(control_id)["handle"], message, wparam, lparam)
+
     def status(self):
         return self.ask("text", STATUS)
 
     def rows(self):
         """The texts of every row, from the top."""
         return [row["cells"] for row in self.ask("list-rows", LIST)]
+
+    def column(self, number):
+        """The texts of one column, from the top."""
+        return self.ask("list-column", LIST, number)
+
+    def select_type(self, index):
+        self.ask("combo-select", TYPE, index)
+
+    def choose_row(self, row):
+        """Gives a row selection, focus and the selection mark, as a click does."""
+        self.ask("list-select", LIST, row)
+        self.send_to(LIST, 0x1043, 0, row)  # LVM_SETSELECTIONMARK
+
+    def chosen_row(self):
+        """The first text of the selected row, None for none."""
+        return next((row["cells"][0] for row in self.ask("list-rows", LIST) if row["selected"]),
+                    None)
 
     def columns(self):
         return self.ask("list-columns", LIST)
@@ -71,8 +105,9 @@ class Program:
         self.wait_for_status(f"{count} / {count} packages")
 
     def activate(self):
-        """Waits until the window manager has given the window the focus."""
-        eventually(lambda: self.window()["foreground"], "the window is active")
+        """Waits until the window manager has given the window the focus, and the window knows."""
+        eventually(lambda: self.window()["foreground"] and self._screen.focus_title() == TITLE,
+                   "the window is active")
 
     def press_key(self, key):
         self.activate()

@@ -3,7 +3,7 @@
 from dataclasses import dataclass, field
 
 from . import dates
-from .registry import EXPAND_SZ, MULTI_SZ, SZ, typed
+from .registry import EXPAND_SZ, MULTI_SZ, SZ, UNINSTALL, typed
 
 LOCAL_MACHINE, CURRENT_USER = -2147483646, -2147483647
 
@@ -37,6 +37,15 @@ class World:
     def is_file(self, path):
         found = self.prefix.host_path(path)
         return found is not None and found.is_file()
+
+
+def world_of(desk, keys, usages):
+    """What the programs of a desk find that was seeded with these."""
+    places = {"local": ("HKLM", 32), "local64": ("HKLM", 64), "user": ("HKCU", 64)}
+    written = {(place, key["name"].lower()): key["written"]
+               for place, (root, view) in places.items()
+               for key in desk.driver("reg-keys", root, view, "Software\\" + UNINSTALL)}
+    return World(keys, usages, written, desk.prefix, desk.driver("short-date"))
 
 
 def text_of(key, name):

@@ -47,12 +47,30 @@ class Screen:
     def move_mouse(self, x, y):
         self._xdotool("mousemove", x, y)
 
-    def click(self, x, y):
-        self._xdotool("mousemove", x, y, "click", 1)
+    def click(self, x, y, button=1, times=1):
+        self._xdotool("mousemove", x, y, "click", "--repeat", times, "--delay", 40, button)
 
     def press_key(self, key):
         """A key by its X name, to whatever has the focus."""
         self._xdotool("key", key)
+
+    def type_text(self, text):
+        self._xdotool("type", "--delay", 10, text)
+
+    def active_title(self):
+        """The title of the window that the window manager has made the active one, which it does
+        once the window can be seen; empty if there is none."""
+        made = subprocess.run(["xdotool", "getactivewindow", "getwindowname"], env=self.env,
+                              stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                              stderr=subprocess.DEVNULL, timeout=20)
+        return made.stdout.decode().strip()
+
+    def focus_title(self):
+        """The title of the window that gets the keys; empty where none does."""
+        asked = subprocess.run(["xdotool", "getwindowfocus", "getwindowname"], env=self.env,
+                               stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                               stderr=subprocess.DEVNULL, timeout=20)
+        return asked.stdout.decode().strip()
 
     def frame_of(self, title):
         """A window with the frame that the window manager has put around it."""

@@ -1,0 +1,136 @@
+#include <windows.h>
+
+#include <utility>
+
+#include "orlo/kernel_handles.h"
+#include "orlo/raw_file.h"
+
+namespace ORLO {
+namespace {
+
+OwnedFile open(const char* file_name, FileAccess access, uint32_t disposition, uint32_t share_mode,
+               uint32_t flags) {
+  return OwnedFile(CreateFileA(file_name, static_cast<DWORD>(access), share_mode, nullptr,
+                               disposition, flags, nullptr));
+}
+
+OVERLAPPED at_offset(uint64_t offset) noexcept {
+  OVERLAPPED request = {};
+  request.Offset = static_cast<DWORD>(offset);
+  request.OffsetHigh = static_cast<DWORD>(offset >> 32);
+  return request;
+}
+
+/// The system tells of the end as of an error.
+Transfer result(DWORD error, DWORD count) noexcept {
+  if (error == ERROR_HANDLE_EOF) return {};
+  return {count, error};
+}
+
+class HandleFile final : public RawFile {
+ public:
+  explicit HandleFile(OwnedFile file) noexcept : file_(std::move(file)) {}
+
+  Transfer read(uint64_t offset, char* block, size_t size) override {
+    OVERLAPPED place = at_offset(offset);
+    DWORD count = 0;
+    const BOOL done = ReadFile(file_.get(), block, static_cast<DWORD>(size), &count, &place);
+    return result(done ? 0 : GetLastError(), count);
+  }
+
+  Transfer write(uint64_t offset, const char* block, size_t size) override {
+    OVERLAPPED place = at_offset(offset);
+    DWORD count = 0;
+    const BOOL done = WriteFile(file_.get(), block, static_cast<DWORD>(size), &count, &place);
+    return result(done ? 0 : GetLastError(), count);
+  }
+
+ private:
+  const OwnedFile file_;
+};
+
+class OverlappedHandleFile final : public OverlappedRawFile {
+ public:
+  explicit OverlappedHandleFile(OwnedFile file) noexcept : file_(std::move(file)) {}
+  ~OverlappedHandleFile() override { cancel(); }
+
+  uint32_t start_read(uint64_t offset, char* block, size_t size) override {
+    begin(offset);
+    return started(ReadFileEx(file_.get(), block, static_cast<DWORD>(size), &request_, &completed));
+  }
+
+  uint32_t start_write(uint64_t offset, const char* block, size_t size) override {
+    begin(offset);
+    return started(
+        WriteFileEx(file_.get(), block, static_cast<DWORD>(size), &request_, &completed));
+  }
+
+  Transfer wait() override {
+    wait_for_completion();
+    return std::exchange(done_, {});
+  }
+
+  void cancel() noexcept override {
+    if (pending_) CancelIo(file_.get());
+    wait_for_completion();
+    done_ = {};
+  }
+
+ private:
+  void begin(uint64_t offset) noexcept {
+    request_ = at_offset(offset);
+    // The system leaves this member to those who have a completion routine.
+    request_.hEvent = this;
+    done_ = {};
+    pending_ = true;
+  }
+
+  uint32_t started(BOOL success) noexcept {
+    if (success) return 0;
+    const DWORD error = GetLastError();
+    pending_ = false;
+    if (error != ERROR_HANDLE_EOF) return error;
+    // An end that is known at the start: wait() finds it as the result.
+    return 0;
+  }
+
+  /// Only the completion routine ends this, so that a wake-up meant for someone else isn't taken.
+  void wait_for_completion() noexcept {
+    while (pending_)
+      SleepEx(INFINITE, TRUE);
+  }
+
+  static void CALLBACK completed(DWORD error, DWORD count, OVERLAPPED* request) noexcept {
+    auto& file = *static_cast<OverlappedHandleFile*>(request->hEvent);
+    file.done_ = result(error, count);
+    file.pending_ = false;
+  }
+
+  const OwnedFile file_;
+  OVERLAPPED request_ = {};
+  Transfer done_;
+  bool pending_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<RawFile> open_raw_file(const char* file_name, FileAccess access,
+                                       uint32_t disposition, uint32_t share_mode, uint32_t flags) {
+  OwnedFile file = open(file_name, access, disposition, share_mode, flags);
+  if (!file) return nullptr;
+  return std::make_unique<HandleFile>(std::move(file));
+}
+
+std::unique_ptr<OverlappedRawFile> open_overlapped_raw_file(const char* file_name,
+                                                            FileAccess access, uint32_t disposition,
+                                                            uint32_t share_mode, uint32_t flags) {
+  OwnedFile file = open(file_name, access, disposition, share_mode, flags | FILE_FLAG_OVERLAPPED);
+  if (!file) return nullptr;
+  return std::make_unique<OverlappedHandleFile>(std::move(file));
+}
+
+void set_last_error(uint32_t code) noexcept {
+  SetLastError(code);
+}
+
+}  // namespace ORLO

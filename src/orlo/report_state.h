@@ -1,0 +1,26 @@
+// What all kinds of reports share: one is shown at a time.
+#pragma once
+
+#include "orlo/thread.h"
+
+namespace ORLO {
+
+/// Guards the state of reports: their depth and the lists beside it. Innermost of all locks; never
+/// held while a box is open or while anything waits.
+CriticalSection& report_lock() noexcept;
+
+/// Counts a report for its scope.
+class ReportScope {
+ public:
+  ReportScope() noexcept;
+  ~ReportScope();
+  ReportScope(const ReportScope&) = delete;
+  ReportScope& operator=(const ReportScope&) = delete;
+  /// How many reports were in progress, on all threads, when this one began.
+  int depth() const noexcept { return depth_; }
+
+ private:
+  int depth_;
+};
+
+}  // namespace ORLO

@@ -1,0 +1,18 @@
+// What the process does behind its entry point.
+#pragma once
+
+#include "orlo/clock.h"
+#include "orlo/orlowin.h"
+#include "platform/files.h"
+#include "platform/registry.h"
+
+/// What the program stands on; all must outlive it.
+struct ProgramServices {
+  Registry& registry;
+  Files& files;
+  const ORLO::Clock& clock;
+};
+
+/// Runs from the marks of the process to the end of the main dialog: the process's exit code, 0
+/// after a normal end. A failure has been reported when it returns 1.
+int run_program(HINSTANCE instance, const char* command_line, const ProgramServices& services);

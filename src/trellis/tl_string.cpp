@@ -1,0 +1,23 @@
+#include "trellis/tl_string.h"
+
+#include <iterator>
+#include <tuple>
+
+namespace Trellis {
+
+const TL_String kValueName("value");
+const TL_String kPropertyName("property");
+
+TL_String& attribute_of(XMLAttributes& attributes, std::string_view name) {
+  auto place = attributes.end();
+  if (!attributes.empty() && !(std::prev(place)->first < name)) {
+    place = attributes.lower_bound(name);
+    if (place->first == name) return place->second;
+  }
+  return attributes
+      .emplace_hint(place, std::piecewise_construct, std::forward_as_tuple(name),
+                    std::forward_as_tuple())
+      ->second;
+}
+
+}  // namespace Trellis

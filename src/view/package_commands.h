@@ -1,0 +1,28 @@
+// Which commands can do something for the package that is chosen.
+#pragma once
+
+#include "inventory/entry.h"
+
+/// What commands depend on.
+struct CommandContext {
+  const UninstallEntry* current = nullptr;  ///< the chosen package, if there is one
+  bool has_url = false;                     ///< the cell that was clicked last leads somewhere
+  bool has_orca = false;                    ///< there is an editor for MSI files
+  bool under_wow64 = false;
+};
+
+bool canUninstall(const UninstallEntry* entry) noexcept;
+bool canModify(const UninstallEntry* entry) noexcept;
+bool canRepair(const UninstallEntry* entry) noexcept;
+/// Only what stands in a registry key of its own can be removed from there.
+bool canRemoveEntry(const UninstallEntry* entry) noexcept;
+
+/// Whether a command of the main window can do anything; where it can't, it is grey.
+bool can_run(unsigned command, const CommandContext& context) noexcept;
+
+/// Lines that stand for no package have no actions.
+bool has_actions(const UninstallEntry& entry) noexcept;
+
+/// What a cell's text leads to: a web or mail address; empty if it is none. Of a longer text only
+/// the first 259 characters count.
+String cell_url(const String& text);

@@ -1,0 +1,25 @@
+// What the main dialog's controls are loaded from and stored to.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "inventory/entry.h"
+#include "orlo/para_struct.h"
+#include "persist/uninstall_para.h"
+
+/// The run's record and the chosen package as the parameters of the main dialog.
+struct UninstallDlgPara : ORLO::ParaStruct {
+  explicit UninstallDlgPara(const UninstallPara& run_para) : run(run_para) {}
+
+  /// Reads the search text alone, or shows the chosen package in the pane below the list.
+  void updateControls() override;
+
+  /// Null if no package is chosen or the chosen one has gone.
+  const UninstallEntry* current_entry() const { return find ? find(current) : nullptr; }
+
+  UninstallPara run;
+  /// The chosen package. Only its id is kept, as the record may go at any time; 0 for none.
+  uint32_t current = 0;
+  std::function<const UninstallEntry*(uint32_t id)> find;
+};

@@ -1,0 +1,45 @@
+#include "view/uninstall_dlg_para.h"
+
+#include <cstring>
+
+#include "orlo/window_helpers.h"
+#include "view/package_commands.h"
+#include "view/resource_ids.h"
+
+namespace {
+
+constexpr struct {
+  int control;
+  String UninstallEntry::*text;
+} kFields[] = {
+    {IDC_NAME, &UninstallEntry::displayName},
+    {IDC_VERSION, &UninstallEntry::displayVersion},
+    {IDC_ICON_PATH, &UninstallEntry::displayIcon},
+    {IDC_DATE, &UninstallEntry::installDate},
+    {IDC_UNINSTALL_COMMAND, &UninstallEntry::uninstallCmd},
+};
+constexpr unsigned kActions[] = {IDC_UNINSTALL, IDC_MODIFY, IDC_REPAIR};
+
+/// A control that shows the text already is left alone, so that it doesn't flicker.
+void show_text(HWND control, const String& text) {
+  if (std::strcmp(ORLO::window_text(control).c_str(), text.c_str()) == 0) return;
+  SetWindowTextA(control, text.c_str());
+}
+
+}  // namespace
+
+void UninstallDlgPara::updateControls() {
+  const HWND search = GetDlgItem(hwnd, IDC_SEARCH);
+  if (partial) {
+    run.searchText = ORLO::window_text(search);
+    return;
+  }
+  const UninstallEntry* const entry = current_entry();
+  for (const auto& field : kFields) {
+    show_text(GetDlgItem(hwnd, field.control), entry != nullptr ? entry->*field.text : String());
+  }
+  for (const unsigned action : kActions) {
+    EnableWindow(GetDlgItem(hwnd, static_cast<int>(action)), can_run(action, {entry}));
+  }
+  show_text(search, run.searchText);
+}

@@ -1,0 +1,171 @@
+// The main window over a registry in memory: what can't be told from outside the process.
+#include "view/uninstall_dlg.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "orlo/window_helpers.h"
+#include "platform/memory_files.h"
+#include "platform/memory_registry.h"
+#include "view/resource_ids.h"
+
+namespace {
+
+constexpr uint16_t kEnglish = 2057;
+constexpr int kNameColumn = 2;
+const std::string kUninstall =
+    "HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\";
+
+void no_language() {}
+
+class UninstallDlgTest : public testing::Test {
+ protected:
+  UninstallDlgTest() {
+    INITCOMMONCONTROLSEX classes = {};
+    classes.dwSize = sizeof classes;
+    classes.dwICC = ICC_LISTVIEW_CLASSES;
+    InitCommonControlsEx(&classes);
+    add("Birch", u"Birch \u20ac Editor", u"20260108");
+    add("Alder", u"Alder", u"20260107");
+    UninstallPara para;
+    para.noPersist = true;
+    window = ORLO::Dialog::DoModeless(
+        resources.module(), resources.dialog(IDD_MAIN), nullptr, [&](HWND made) {
+          return std::make_unique<UninstallDlg>(
+              made, std::make_unique<UninstallDlgPara>(para), resources,
+              UninstallReader::Services{registry, files, ORLO::system_clock(), false,
+                                        &no_language});
+        });
+    list = GetDlgItem(window, IDC_LIST);
+  }
+  ~UninstallDlgTest() override {
+    SendMessageA(window, WM_COMMAND, IDCANCEL, 0);
+    EXPECT_FALSE(IsWindow(window));
+  }
+
+  void add(const std::string& key, const char16_t* name, const char16_t* date) {
+    registry.set_text(kUninstall + key, "DisplayName", name);
+    registry.set_text(kUninstall + key, "InstallDate", date);
+  }
+
+  template <typename Notice>
+  void notify(Notice& notice, NMHDR& header, HWND from, UINT code) const {
+    header = {from, static_cast<UINT_PTR>(GetDlgCtrlID(from)), code};
+    SendMessageA(window, WM_NOTIFY, header.idFrom, reinterpret_cast<LPARAM>(&notice));
+  }
+  LPARAM id_at(int row) const {
+    LVITEMA item = {};
+    item.mask = LVIF_PARAM;
+    item.iItem = row;
+    SendMessageA(list, LVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&item));
+    return item.lParam;
+  }
+  int header_format(int column) const {
+    HDITEMA item = {};
+    item.mask = HDI_FORMAT;
+    SendMessageA(ListView_GetHeader(list), HDM_GETITEMA, static_cast<WPARAM>(column),
+                 reinterpret_cast<LPARAM>(&item));
+    return item.fmt & (HDF_SORTDOWN | HDF_SORTUP);
+  }
+  void click_header(UINT code, int column) const {
+    NMHEADERA notice = {};
+    notice.iItem = column;
+    notify(notice, notice.hdr, ListView_GetHeader(list), code);
+  }
+  String text_of(int control) const { return ORLO::window_text(GetDlgItem(window, control)); }
+
+  const Resources resources{GetModuleHandleA(nullptr), kEnglish};
+  MemoryRegistry registry{MemoryRegistry::View::native};
+  MemoryFiles files;
+  HWND window = nullptr;
+  HWND list = nullptr;
+};
+
+TEST_F(UninstallDlgTest, GivesACellsTextInBothForms) {
+  ASSERT_EQ(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0), 2);
+  char narrow[40] = {};
+  NMLVDISPINFOA request = {};
+  request.item = {LVIF_TEXT, 0, kNameColumn, 0,       0,       narrow, sizeof narrow, 0, id_at(0),
+                  0,         0, 0,           nullptr, nullptr, 0};
+  notify(request, request.hdr, list, LVN_GETDISPINFOA);
+  EXPECT_STREQ(narrow, "Birch \x80 Editor");
+  wchar_t wide[40] = {};
+  NMLVDISPINFOW wide_request = {};
+  wide_request.item = {LVIF_TEXT, 0, kNameColumn, 0, 0,       wide,    40, 0,
+                       id_at(0),  0, 0,           0, nullptr, nullptr, 0};
+  notify(wide_request, wide_request.hdr, list, LVN_GETDISPINFOW);
+  EXPECT_STREQ(wide, L"Birch \x20ac Editor");
+}
+
+TEST_F(UninstallDlgTest, CutsACellsTextToTheRoomForIt) {
+  wchar_t wide[] = L"############";
+  NMLVDISPINFOW request = {};
+  request.item.mask = LVIF_TEXT;
+  request.item.iSubItem = kNameColumn;
+  request.item.pszText = wide;
+  request.item.cchTextMax = 4;
+  request.item.lParam = id_at(0);
+  notify(request, request.hdr, list, LVN_GETDISPINFOW);
+  EXPECT_STREQ(wide, L"Bir");
+  EXPECT_EQ(wide[4], L'#');
+}
+
+TEST_F(UninstallDlgTest, ARequestWithoutRoomOrForAnotherThingIsLeftAlone) {
+  char narrow[] = "#";
+  NMLVDISPINFOA request = {};
+  request.item.pszText = narrow;
+  request.item.cchTextMax = 1;
+  request.item.lParam = id_at(0);
+  notify(request, request.hdr, list, LVN_GETDISPINFOA);
+  EXPECT_STREQ(narrow, "#");
+  request.item.mask = LVIF_TEXT;
+  request.item.cchTextMax = 0;
+  notify(request, request.hdr, list, LVN_GETDISPINFOA);
+  EXPECT_STREQ(narrow, "#");
+}
+
+TEST_F(UninstallDlgTest, TakesAHeadersClickInBothForms) {
+  click_header(HDN_ITEMCLICKA, kNameColumn);
+  EXPECT_EQ(header_format(kNameColumn), HDF_SORTDOWN);
+  EXPECT_EQ(id_at(0), 1);
+  click_header(HDN_ITEMCLICKW, kNameColumn);
+  EXPECT_EQ(header_format(kNameColumn), HDF_SORTUP);
+  EXPECT_EQ(id_at(0), 2);
+}
+
+TEST_F(UninstallDlgTest, AClickOnAnotherHeaderIsNone) {
+  NMHEADERA notice = {};
+  notice.iItem = kNameColumn;
+  notify(notice, notice.hdr, window, HDN_ITEMCLICKA);
+  EXPECT_EQ(header_format(kNameColumn), 0);
+}
+
+TEST_F(UninstallDlgTest, TheChosenPackageMayGoAndComeBackAsAnother) {
+  LVITEMA focused = {};
+  focused.state = focused.stateMask = LVIS_FOCUSED | LVIS_SELECTED;
+  SendMessageA(list, LVM_SETITEMSTATE, 0, reinterpret_cast<LPARAM>(&focused));
+  EXPECT_STREQ(text_of(IDC_NAME).c_str(), "Birch \x80 Editor");
+  SendMessageA(window, WM_COMMAND, IDC_REFRESH, 0);
+  ASSERT_EQ(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0), 2);
+  EXPECT_STREQ(text_of(IDC_NAME).c_str(), "Birch \x80 Editor");
+  // Would open a box, and not return, if it still found a package.
+  SendMessageA(window, WM_COMMAND, ID_REMOVE, 0);
+  // The new records have new ids.
+  EXPECT_GT(id_at(0), 2);
+}
+
+TEST_F(UninstallDlgTest, CombosHearOnlyOfAChoice) {
+  const HWND types = GetDlgItem(window, IDC_TYPE);
+  SetDlgItemTextA(window, IDC_STATUS, "untouched");
+  for (const int code : {CBN_DROPDOWN, CBN_CLOSEUP, CBN_SELENDOK, CBN_SETFOCUS}) {
+    SendMessageA(window, WM_COMMAND, MAKEWPARAM(IDC_TYPE, code), reinterpret_cast<LPARAM>(types));
+    EXPECT_STREQ(text_of(IDC_STATUS).c_str(), "untouched");
+  }
+  SendMessageA(window, WM_COMMAND, MAKEWPARAM(IDC_TYPE, CBN_SELCHANGE),
+               reinterpret_cast<LPARAM>(types));
+  EXPECT_STREQ(text_of(IDC_STATUS).c_str(), "2 / 2 packages");
+}
+
+}  // namespace

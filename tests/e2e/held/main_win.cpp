@@ -1,0 +1,125 @@
+// Zolvane on services that stop, fail or die at points that a test has named: the whole program, to
+// be met in the middle of what it is doing.
+//
+// The environment variable ZOLVANE_HELD names what happens, as "hold@source1 fail@hand-over":
+//   start        the main thread opens its first key
+//   sourceN      the reader begins with the Nth Uninstall key it reads, counted over all passes
+//   hand-over    the main thread reads the first date of a row
+// hold  sets the event "zolvane-held-reached" and waits for "zolvane-held-go"
+// fail  throws an exception of the program's own
+// die   throws what nobody knows
+// Each happens once. ZOLVANE_TRACE names a file that gets a line for each point that is reached,
+// whatever happens there. ZOLVANE_LIVE names a file that gets a line with the live handles for each
+// beginning of a pass: handles, registry keys.
+#include <cstdio>
+#include <cstdlib>
+#include <set>
+#include <string>
+
+#include "inventory/hooked_registry_test_support.h"
+#include "orlo/exception.h"
+#include "orlo/owned_handle.h"
+#include "orlo/thread.h"
+#include "start/program.h"
+
+namespace {
+
+constexpr DWORD kLimit = 120000;
+
+/// To the file that the environment names, if it does.
+void append_line(const char* variable, const std::string& line) {
+  const char* const path = std::getenv(variable);
+  if (path == nullptr) return;
+  if (std::FILE* const file = std::fopen(path, "a")) {
+    std::fprintf(file, "%s\n", line.c_str());
+    std::fclose(file);
+  }
+}
+
+class Points {
+ public:
+  Points()
+      : main_thread_(GetCurrentThreadId()),
+        reached_(CreateEventA(nullptr, FALSE, FALSE, "zolvane-held-reached")),
+        go_(CreateEventA(nullptr, FALSE, FALSE, "zolvane-held-go")) {
+    const char* const named = std::getenv("ZOLVANE_HELD");
+    std::string rest = named != nullptr ? named : "";
+    for (size_t end; !rest.empty(); rest.erase(0, end == std::string::npos ? end : end + 1)) {
+      end = rest.find(' ');
+      named_.insert(rest.substr(0, end));
+    }
+  }
+
+  /// Called with the points' names on whatever thread comes there; no two threads share a name.
+  void reach(const std::string& point) {
+    append_line("ZOLVANE_TRACE", point);
+    if (take("hold@" + point)) {
+      SetEvent(reached_);
+      WaitForSingleObject(go_, kLimit);
+    }
+    if (take("fail@" + point)) throw ORLO::UserException(String("held at " + point));
+    if (take("die@" + point)) throw 42;
+  }
+  bool on_main_thread() const { return GetCurrentThreadId() == main_thread_; }
+
+ private:
+  bool take(const std::string& what) {
+    const ORLO::Lock hold(lock_);
+    return named_.erase(what) > 0;
+  }
+
+  const DWORD main_thread_;
+  const HANDLE reached_;
+  const HANDLE go_;
+  ORLO::CriticalSection lock_;
+  std::set<std::string> named_;
+};
+
+class HeldClock : public ORLO::Clock {
+ public:
+  HeldClock(const ORLO::Clock& behind, Points& points) : behind_(behind), points_(points) {}
+  ORLO::SystemTime now() const override { return behind_.now(); }
+  ORLO::ZoneState zone(ORLO::TimeZoneInfo& zone) const override {
+    reach();
+    return behind_.zone(zone);
+  }
+  bool to_local(const ORLO::TimeZoneInfo* zone, const ORLO::SystemTime& utc,
+                ORLO::SystemTime& local) const override {
+    reach();
+    return behind_.to_local(zone, utc, local);
+  }
+  bool to_local(ORLO::FileTime utc, ORLO::FileTime& local) const override {
+    return behind_.to_local(utc, local);
+  }
+
+ private:
+  void reach() const {
+    if (points_.on_main_thread()) points_.reach("hand-over");
+  }
+  const ORLO::Clock& behind_;
+  Points& points_;
+};
+
+}  // namespace
+
+int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR command_line, int) {
+  Points points;
+  int sources = 0;
+  const auto registry = make_system_registry();
+  const auto files = make_system_files();
+  const HookedRegistry* held = nullptr;
+  HookedRegistry held_registry(*registry, [&](const std::string& operation, uint32_t index) {
+    if (points.on_main_thread()) {
+      if (operation == "open") points.reach("start");
+    } else if (operation == "subkey_at" && index == 0) {
+      if (sources++ % 3 == 0) {
+        append_line("ZOLVANE_LIVE",
+                    std::to_string(ORLO::live_handles()) + " " + std::to_string(held->open_keys()));
+      }
+      points.reach("source" + std::to_string(sources));
+    }
+  });
+  held = &held_registry;
+  const HeldClock clock(ORLO::system_clock(), points);
+  return run_program(instance, command_line, {held_registry, *files, clock});
+}

@@ -1,0 +1,312 @@
+"""What may happen, in each state that the program can be in: the table of docs/architecture.md."""
+
+import collections
+import os
+import time
+
+import pytest
+
+from conftest import BINARIES
+from support.held import HeldDesk, eventually
+from support.program import REFRESH, TITLE, DriverError
+from support.registry import Key
+
+WM_CLOSE, WM_QUIT, WM_COMMAND, WM_SYSCOMMAND, WM_APP = 0x10, 0x12, 0x111, 0x112, 0x8000
+SC_KEYMENU = 0xF100
+ESCAPE_COMMAND = 2
+# How often each hold point is closed at.
+CLOSES = int(os.environ.get("ZOLVANE_CLOSES", "10"))
+
+# Each with a time of day, so that the hand-over comes to the point where it is held.
+KEYS = [Key(place, place, {"DisplayName": place, "InstallDate": "2025-11-12T10:20:30"})
+        for place in ("local", "local64", "user")]
+ALL = f"{len(KEYS)} / {len(KEYS)} packages"
+
+
+@pytest.fixture(scope="module")
+def desk(make_desk):
+    with make_desk(KEYS) as made:
+        yield HeldDesk(made, BINARIES / "zolvane-held.exe")
+
+
+@pytest.fixture(autouse=True)
+def cleared(desk):
+    yield
+    desk.end_programs()
+
+
+class State:
+    """The program in a state, and how that state ends by itself or by its user."""
+
+    def __init__(self, desk, program, leave, keys_go_to=TITLE):
+        self.desk, self.program, self._leave = desk, program, leave
+        self.keys_go_to = keys_go_to
+
+    def leave(self):
+        self._leave()
+
+
+def quietly(desk, program):
+    """Gone with the program is answered, too."""
+    def answer():
+        for box in desk.boxes(program.pid):
+            try:
+                desk.answer_box(box)
+            except DriverError:
+                pass
+    return answer
+
+
+def starting(desk, points):
+    program = desk.start("hold@start " + points, visible=False)
+    return State(desk, program, desk.go, None)
+
+
+def passing(desk, points):
+    program = desk.start("hold@source2 " + points)
+    desk.reached()
+    return State(desk, program, desk.go)
+
+
+def handing_over(desk, points):
+    program = desk.start("hold@hand-over " + points)
+    desk.reached()
+    return State(desk, program, desk.go, None)
+
+
+def idle(desk, points):
+    program = desk.start(points)
+    program.wait_for_status(ALL)
+    return State(desk, program, lambda: None)
+
+
+def box_on_main(desk, points):
+    program = desk.start("fail@hand-over " + points)
+    desk.wait_for_box(program.pid)
+    return State(desk, program, quietly(desk, program), "Exception")
+
+
+def box_on_reader(desk, points):
+    program = desk.start("die@source1 " + points)
+    desk.wait_for_box(program.pid)
+    program.wait_for_status("0 / 0 packages")
+    return State(desk, program, quietly(desk, program), "Exception")
+
+
+def in_menu(program):
+    try:
+        return program.ask("in-menu")
+    except DriverError:
+        # The window is gone.
+        return False
+
+
+def menu_open(desk, points):
+    state = idle(desk, points)
+    state.program.activate()
+    state.program.ask("post", WM_SYSCOMMAND, SC_KEYMENU, ord(" "))
+    desk.driver("wait-window", state.program.pid, "#32768", "", 20000)
+
+    def leave():
+        # The first Escape closes the popup, the next the menu bar behind it.
+        def left():
+            if not in_menu(state.program):
+                return True
+            desk.screen.press_key("Escape")
+            return not in_menu(state.program)
+        eventually(left, "the menu is closed")
+    state.leave = leave
+    return state
+
+
+def ending(desk, points):
+    state = passing(desk, points)
+    state.program.ask("post", WM_CLOSE, 0, 0)
+    return state
+
+
+STATES = {"starting": starting, "pass": passing, "hand-over": handing_over, "idle": idle,
+          "box-main": box_on_main, "box-reader": box_on_reader, "menu": menu_open,
+          "ending": ending}
+
+
+def post(message, wparam=0):
+    return lambda state: state.program.ask("post", message, wparam, 0)
+
+
+def escape(state):
+    """The key, where a window is awake to get it."""
+    title = state.keys_go_to
+    if title is None:
+        post(WM_COMMAND, ESCAPE_COMMAND)(state)
+        return
+    screen = state.desk.screen
+    eventually(lambda: screen.focus_title() == title, f"{title} has the focus")
+    screen.press_key("Escape")
+
+
+EVENTS = {"close": post(WM_CLOSE), "escape": escape,
+          "quit": lambda state: state.program.ask("post-thread", WM_QUIT),
+          "refresh": post(WM_COMMAND, REFRESH), "notice": post(WM_APP)}
+
+# What comes of it. "ends": the process has ended with 0 once the state is left; "lives": the window
+# is there, and a Refresh brings the whole list.
+ENDS, LIVES = "ends", "lives"
+TABLE = {
+    "starting": dict(close=ENDS, escape=ENDS, quit=ENDS, refresh=LIVES, notice=LIVES),
+    "pass": dict(close=ENDS, escape=ENDS, quit=ENDS, refresh=LIVES, notice=LIVES),
+    "hand-over": dict(close=ENDS, escape=ENDS, quit=ENDS, refresh=LIVES, notice=LIVES),
+    "idle": dict(close=ENDS, escape=ENDS, quit=ENDS, refresh=LIVES, notice=LIVES),
+    # The key goes to the box, or to the menu, and closes that alone.
+    "box-main": dict(close=ENDS, escape=LIVES, quit=ENDS, refresh=LIVES, notice=LIVES),
+    "box-reader": dict(close=ENDS, escape=LIVES, quit=ENDS, refresh=LIVES, notice=LIVES),
+    # Under Wine the menu's own loop swallows a WM_QUIT.
+    "menu": dict(close=ENDS, escape=LIVES, quit=LIVES, refresh=LIVES, notice=LIVES),
+    "ending": dict(close=ENDS, escape=ENDS, quit=ENDS, refresh=ENDS, notice=ENDS),
+}
+
+
+def check_ends(state):
+    assert state.program.exit_code() == 0
+
+
+def check_lives(state):
+    program = state.program
+    assert state.desk.boxes(program.pid) == []
+    # A request during a refresh is only counted, so this asks until one has been heard.
+    def refreshed():
+        program.ask("post", WM_COMMAND, REFRESH, 0)
+        return program.status() == ALL and len(program.rows()) == len(KEYS)
+    eventually(refreshed, "the whole list after a Refresh")
+    assert program.close() == 0
+
+
+@pytest.mark.parametrize("event", EVENTS)
+@pytest.mark.parametrize("name", STATES)
+def test_each_event_in_each_state(desk, name, event):
+    state = STATES[name](desk, "")
+    EVENTS[event](state)
+    state.leave()
+    {ENDS: check_ends, LIVES: check_lives}[TABLE[name][event]](state)
+
+
+# The reader dies of something unknown. It can only do so in a pass, so states without one are left
+# for one first: by a change notice, while they last, or by a Refresh afterwards. What is reported:
+# "once", or "never" where a report is open already.
+DEATHS = {
+    "starting": ("die@source1", None, LIVES),
+    "pass": ("die@source2", None, LIVES),
+    "hand-over": ("die@source4", "after", LIVES),
+    "idle": ("die@source4", "after", LIVES),
+    "box-main": ("die@source4", "before", LIVES),
+    "box-reader": ("die@source2", "after", LIVES),
+    "menu": ("die@source4", "before", LIVES),
+    "ending": ("die@source2", None, ENDS),
+}
+
+
+@pytest.mark.parametrize("name", STATES)
+def test_the_death_of_the_reader_in_each_state(desk, name):
+    points, request, outcome = DEATHS[name]
+    state = STATES[name](desk, points)
+    program = state.program
+    if request == "before":
+        EVENTS["notice"](state)
+    if name == "box-main":
+        # The box that is open keeps the reader's own from appearing.
+        program.wait_for_status("0 / 0 packages")
+        assert len(desk.boxes(program.pid)) == 1
+        state.leave()
+    else:
+        state.leave()
+        if request == "after":
+            EVENTS["notice"](state)
+        box = desk.wait_for_box(program.pid)
+        assert len(desk.boxes(program.pid)) == 1
+        desk.answer_box(box)
+    {ENDS: check_ends, LIVES: check_lives}[outcome](state)
+
+
+def test_the_report_of_a_dead_reader_says_what_happened(desk):
+    program = box_on_reader(desk, "").program
+    box = desk.wait_for_box(program.pid)
+    texts = [control["text"] for control in desk.driver("controls", box)]
+    assert "Ein Fehler trat auf w\u00e4hrend -NO-CONTEXT-:\ngeneric exception" in texts
+    desk.answer_box(box)
+
+
+def test_a_failed_pass_says_why_in_a_box_of_the_window(desk):
+    program = desk.start("fail@source2")
+    box = desk.wait_for_box(program.pid)
+    texts = [control["text"] for control in desk.driver("controls", box)]
+    assert "held at source2" in texts
+    assert not program.window()["enabled"]
+    # Rows of later places count as removed.
+    program.wait_for_status("1 / 1 packages")
+    desk.answer_box(box)
+    program.ask("post", WM_COMMAND, REFRESH, 0)
+    program.wait_for_status(ALL)
+    assert program.close() == 0
+
+
+@pytest.mark.parametrize("end", ["close", "escape"])
+def test_the_window_stays_until_the_refresh_that_it_is_closed_in_has_ended(desk, end):
+    state = passing(desk, "hold@hand-over")
+    EVENTS[end](state)
+    state.leave()
+    desk.reached()
+    assert state.program.window()["visible"]
+    desk.go()
+    check_ends(state)
+
+
+def test_keys_work_during_the_first_pass(desk):
+    state = passing(desk, "")
+    program = state.program
+    first = program.ask("focus")
+    program.press_key("Tab")
+    eventually(lambda: program.ask("focus") != first, "Tab moves the focus")
+    program.press_key("shift+Tab")
+    eventually(lambda: program.ask("focus") == first, "Shift and Tab move it back")
+    program.press_key("F5")
+    program.press_key("alt+r")
+    program.press_key("Escape")
+    state.leave()
+    check_ends(state)
+
+
+HOLDS = {"start": starting, "source 1": lambda desk, points: held_at(desk, "source1"),
+         "source 2": lambda desk, points: held_at(desk, "source2"),
+         "source 3": lambda desk, points: held_at(desk, "source3"),
+         "hand-over": handing_over, "box": box_on_main, "menu": menu_open, "idle": idle}
+
+
+def held_at(desk, point):
+    program = desk.start("hold@" + point)
+    desk.reached()
+    return State(desk, program, desk.go)
+
+
+@pytest.mark.parametrize("name", HOLDS)
+def test_closes_wherever_it_is(desk, name):
+    for _ in range(CLOSES):
+        state = HOLDS[name](desk, "")
+        EVENTS["close"](state)
+        state.leave()
+        check_ends(state)
+
+
+def test_closes_at_any_moment(desk):
+    """Spread over the first half second. Where each close has hit is printed as a histogram."""
+    trace = desk.drive_c / "trace.txt"
+    hit = collections.Counter()
+    for i in range(CLOSES):
+        trace.unlink(missing_ok=True)
+        program = desk.start("", TRACE="C:\\trace.txt")
+        time.sleep(0.5 * (i * 61 % CLOSES) / CLOSES)
+        program.ask("post", WM_CLOSE, 0, 0)
+        reached = trace.read_text().split() if trace.exists() else []
+        hit[reached[-1] if reached else "before the start"] += 1
+        assert program.exit_code() == 0
+    for point, times in sorted(hit.items()):
+        print(f"close behind {point:12} {times:4} {'#' * times}")

@@ -1,0 +1,147 @@
+"""What changes in the registry shows by itself, and the window stays alive meanwhile."""
+
+import contextlib
+import os
+import statistics
+
+import pytest
+
+from conftest import BINARIES
+from support.held import HeldDesk
+from support.program import REFRESH, DriverError, eventually
+from support.registry import SZ, UNINSTALL, Key
+from support.watching import PLACES, shows_by_itself
+
+# The bigger ones leave out what would only make the seeding longer.
+FIFTY = [Key(place, f"{place} {number:02}", {"DisplayName": f"{place} {number:02}"})
+         for place, count in (("local", 17), ("local64", 17), ("user", 16))
+         for number in range(count)]
+FIVE_THOUSAND = [Key("user", f"package {number:04}", {"DisplayName": f"package {number:04}"})
+                 for number in range(5000)]
+
+
+def uninstall_key(name):
+    return f"Software\\{UNINSTALL}\\{name}"
+
+
+def set_name(desk, place, key, text):
+    desk.driver("reg-set", *PLACES[place], uninstall_key(key), "DisplayName", SZ,
+                text.encode("cp1252") + b"\0")
+
+
+def names(program):
+    """Asked again where the list has changed while it was read, row by row."""
+    def read():
+        try:
+            return [{row[2] for row in program.rows()}]
+        except DriverError:
+            return None
+
+    return eventually(read, "the list stays as it is while it is read")[0]
+
+
+@pytest.fixture(scope="module")
+def fifty(make_desk):
+    with make_desk(FIFTY) as desk:
+        with contextlib.closing(Opened(desk)) as opened:
+            yield opened
+
+
+class Opened:
+    def __init__(self, desk):
+        self.desk, self.driver = desk, desk.driver
+        self.program = desk.open("-nopersist", "-noupdate")
+        self.program.wait_filled(len(FIFTY))
+
+    def close(self):
+        assert self.program.close() == 0
+
+
+@pytest.mark.parametrize("place", PLACES)
+def test_what_is_added_changed_and_deleted_from_outside_shows_by_itself(fifty, place):
+    program = fifty.program
+    set_name(fifty, place, "Zebra", "Zebra")
+    shows_by_itself(fifty, place, lambda: "Zebra" in names(program), "the added package")
+    set_name(fifty, place, "Zebra", "Zebra, grown")
+    shows_by_itself(fifty, place, lambda: "Zebra, grown" in names(program), "the changed package")
+    fifty.driver("reg-delete", *PLACES[place], uninstall_key("Zebra"))
+    shows_by_itself(fifty, place,
+                    lambda: not any(name.startswith("Zebra") for name in names(program)),
+                    "the package is gone")
+    program.wait_filled(len(FIFTY))
+
+
+def test_a_watched_key_may_vanish_under_its_watcher(make_desk):
+    with make_desk(FIFTY) as desk:
+        program = Opened(desk).program
+        left = {key.values["DisplayName"] for key in FIFTY if key.place != "user"}
+        desk.driver("reg-delete", *PLACES["user"], f"Software\\{UNINSTALL}")
+        # Whether the removal itself is told depends on the system; a Refresh meets it in any case.
+        program.ask("command", REFRESH)
+        eventually(lambda: names(program) == left, "the user's packages are gone")
+        set_name(desk, "local", "Zebra", "Zebra")
+        shows_by_itself(desk, "local", lambda: "Zebra" in names(program),
+                        "the other watchers still work")
+        assert program.close() == 0
+
+
+def test_a_burst_of_changes_leaves_the_list_like_the_registry(make_desk):
+    with make_desk(FIFTY) as desk:
+        program = Opened(desk).program
+        text = "\n".join(
+            ["Windows Registry Editor Version 5.00", ""]
+            + [f"[HKEY_CURRENT_USER\\Software\\{UNINSTALL}\\burst {number:04}]\n"
+               f"\"DisplayName\"=\"burst {number:04}\"\n" for number in range(1000)])
+        desk.prefix.import_registry(text)
+        set_name(desk, "user", "last", "last")
+        shows_by_itself(desk, "user", lambda: program.status() == "1051 / 1051 packages",
+                        lambda: f"all of the burst, but {program.status()}")
+        assert names(program) == ({key.values["DisplayName"] for key in FIFTY} | {"last"}
+                                  | {f"burst {number:04}" for number in range(1000)})
+        program.ask("command", REFRESH)
+        program.wait_for_status("1051 / 1051 packages")
+        assert program.close() == 0
+
+
+def test_the_window_answers_during_a_pass_over_5000_entries(make_desk, record_property):
+    with make_desk(FIVE_THOUSAND) as desk:
+        program = desk.open("-nopersist", "-noupdate")
+        answers = program.ask("ping", 100, 20000)
+        assert program.status() == "0 / 0 packages", "the pass has ended before the pings"
+        figures = (f"{max(answers) / 1000:.1f} ms at most, "
+                   f"{statistics.median(answers) / 1000:.2f} ms in the middle")
+        record_property("ping", figures)
+        print("ping during a pass:", figures)
+        program.wait_for_status("5000 / 5000 packages")
+        assert program.close() == 0
+
+
+REFRESHES = int(os.environ.get("ZOLVANE_REFRESHES", "50"))
+
+
+def test_refreshes_leave_nothing_behind(make_desk):
+    with make_desk(FIFTY) as desk:
+        held = HeldDesk(desk, BINARIES / "zolvane-held.exe")
+        folder = desk.prefix.folder / "drive_c"
+        program = held.start("", LIVE="C:\\live.txt")
+        program.wait_filled(len(FIFTY))
+
+        def passes():
+            return (folder / "live.txt").read_text().split("\n")[:-1]
+
+        def refresh_to(count):
+            while len(passes()) < count:
+                before = len(passes())
+                program.ask("command", REFRESH)
+                eventually(lambda: len(passes()) > before, "a further pass")
+            program.wait_filled(len(FIFTY))
+
+        # The first rounds fill caches and pools.
+        refresh_to(10)
+        memory = desk.driver("memory", program.pid)
+        refresh_to(10 + REFRESHES)
+        assert len(set(passes()[2:])) == 1, passes()
+        grown = desk.driver("memory", program.pid) - memory
+        assert grown < REFRESHES * 4096, f"{grown} bytes in {REFRESHES} refreshes"
+        assert program.close() == 0
+        held.end_programs()
