@@ -25,6 +25,7 @@ class SilentView : public InventoryView, public RefreshFrame {
   void end_wait() noexcept override {}
   void show_counts() override {}
   void show_failure(const String& text) override { std::printf("%s\n", text.c_str()); }
+  void writeHistory() override {}
   void refreshed() override {}
   int changes = 0;
 };
@@ -49,7 +50,8 @@ int main() {
   Table current(packageSchema());
   ORLO::CriticalSection list_lock;
   UninstallReader reader({*registry, *files, ORLO::system_clock(), false, [] {}});
-  RefreshCycle cycle({reader, current, list_lock, view, view, ORLO::system_clock()});
+  HistoryMerge history;
+  RefreshCycle cycle({reader, current, history, list_lock, view, view, ORLO::system_clock()});
   cycle.requestRefresh();
   const int first = view.changes;
   print_ratios("Cycle that finds nothing changed, 5,000 subkeys",

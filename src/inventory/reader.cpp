@@ -67,10 +67,10 @@ void UninstallReader::revive() {
   lost_ = false;
 }
 
-std::unique_ptr<const Table> UninstallReader::hand_over(Table& current) {
+std::unique_ptr<Table> UninstallReader::hand_over(Table& current) {
   const Lock hold(data_lock_);
   if (!data_changed_.exchange(false)) return nullptr;
-  auto difference = std::make_unique<const Table>(table_, current);
+  auto difference = std::make_unique<Table>(table_, current);
   if (difference->size() != 0) current.assign(table_);
   return difference;
 }

@@ -45,7 +45,7 @@ class UninstallReader : public ORLO::ActiveFinisher {
   bool data_changed() const noexcept { return data_changed_; }
   /// What distinguishes the reader's table from `current`, which becomes a copy of it. Null if
   /// nothing has been written since the last call.
-  std::unique_ptr<const Table> hand_over(Table& current);
+  std::unique_ptr<Table> hand_over(Table& current);
   /// Forgets all rows.
   void clear();
   /// Text of the failure that ended the last pass; empty if none did.

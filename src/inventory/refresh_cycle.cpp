@@ -76,6 +76,7 @@ void RefreshCycle::requestAfresh() {
 
 void RefreshCycle::forget() {
   parts_.frame.forget_entries();
+  parts_.history.forget();
   parts_.currentTable.clear_rows();
   parts_.reader.clear();
 }
@@ -85,7 +86,14 @@ bool RefreshCycle::run_whole() {
   if (!run()) return false;
   const String failure = parts_.reader.error_text();
   if (!failure.empty()) parts_.frame.show_failure(failure);
+  keep_baseline();
   return true;
+}
+
+void RefreshCycle::keep_baseline() {
+  // Rows have been forgotten meanwhile: what is left is no state of the machine.
+  if (afresh_due_) return;
+  if (parts_.history.end_cycle(parts_.currentTable)) parts_.frame.writeHistory();
 }
 
 /// False if the cycle was abandoned.
@@ -101,11 +109,12 @@ bool RefreshCycle::run_locked() {
   if (!revive_reader()) return false;
   reader.start_pass();
   parts_.view.clear_marks();
+  parts_.history.begin_cycle();
   while (reader.pass_running() || reader.data_changed()) {
     // Each pass ends in a signal. One that comes late, after the next pass was asked for, only
     // makes for a round more.
     if (!wait_for_pass()) return false;
-    if (const std::unique_ptr<const Table> difference = reader.hand_over(parts_.currentTable)) {
+    if (const std::unique_ptr<Table> difference = reader.hand_over(parts_.currentTable)) {
       apply(*difference);
     }
   }
@@ -133,13 +142,14 @@ bool RefreshCycle::wait_for_pass() {
   return result != ORLO::kWaitQuit;
 }
 
-void RefreshCycle::apply(const Table& difference) {
+void RefreshCycle::apply(Table& difference) {
   if (difference.size() == 0) return;
   const Batch batch(parts_.view);
-  for (const auto& [key, row] : difference.rows) {
+  for (auto& [key, row] : difference.rows) {
     if (row.marker == Row::kRemoved) {
       parts_.view.removeEntry(key);
     } else {
+      parts_.history.mark(row);
       parts_.view.applyEntry(UninstallEntry::fromRow(row, parts_.clock));
     }
   }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "inventory/entry.h"
+#include "inventory/history_merge.h"
 #include "inventory/reader.h"
 #include "inventory/table.h"
 #include "orlo/message_wait.h"
@@ -30,6 +31,8 @@ class RefreshFrame {
   virtual void show_counts() = 0;
   /// Returns when the user has read it.
   virtual void show_failure(const String& text) = 0;
+  /// The baseline has moved on and is worth keeping for the next run.
+  virtual void writeHistory() = 0;
   /// The list is up to date.
   virtual void refreshed() = 0;
 };
@@ -42,6 +45,7 @@ class RefreshCycle {
   struct Parts {
     UninstallReader& reader;
     Table& currentTable;
+    HistoryMerge& history;
     ORLO::CriticalSection& listLock;  ///< held while a cycle runs
     InventoryView& view;
     RefreshFrame& frame;
@@ -55,8 +59,9 @@ class RefreshCycle {
   /// running, and after end(), the request is only counted. If the program is told to quit
   /// meanwhile, the cycle is abandoned with nothing handed over.
   void requestRefresh();
-  /// Forgets all that is known and runs a cycle; while one is running, another one follows it, as
-  /// the rows that it has read by now are forgotten too. After end() only counted.
+  /// Forgets all that is known, the baseline too, and runs a cycle; while one is running, another
+  /// one follows it, as the rows that it has read by now are forgotten too. Only that one has all
+  /// rows and makes a baseline of them. After end() only counted.
   void requestAfresh();
   bool refreshing() const noexcept { return refreshing_; }
   unsigned refreshCount() const noexcept { return refresh_count_; }
@@ -70,7 +75,8 @@ class RefreshCycle {
   bool run_locked();
   bool revive_reader();
   bool wait_for_pass();
-  void apply(const Table& difference);
+  void apply(Table& difference);
+  void keep_baseline();
 
   const Parts parts_;
   const Wait wait_;

@@ -38,12 +38,14 @@ class RecordingView : public InventoryView {
   void applyEntry(const UninstallEntry& entry) override {
     log.push_back(std::string("apply ") + entry.name.c_str() + " " + entry.source.c_str() +
                   (entry.is64Bit != 0 ? " 64" : ""));
+    marks.push_back(entry.changed);
   }
   void removeEntry(const RowKey& key) override {
     log.push_back(std::string("remove ") + key.texts.at(1).c_str());
   }
   void end_batch() noexcept override { log.emplace_back("end"); }
   std::vector<std::string> log;
+  std::vector<int> marks;  ///< of the applied entries
   std::function<void()> at_clear;
 };
 
@@ -64,11 +66,17 @@ class RecordingFrame : public RefreshFrame {
     log.push_back(std::string("failure ") + text.c_str());
     if (at_failure) at_failure();
   }
+  void writeHistory() override {
+    ++histories;
+    if (at_history) at_history();
+  }
   void refreshed() override { log.emplace_back("refreshed"); }
   std::vector<std::string> log;
   std::function<void()> at_begin_wait;
   std::function<void()> at_counts;
   std::function<void()> at_failure;
+  int histories = 0;  ///< how often a baseline was worth keeping
+  std::function<void()> at_history;
 };
 
 /// Collects the reports of its scope instead of showing boxes; each may be held open.
@@ -117,9 +125,10 @@ class RefreshCycleTest : public testing::Test {
     reader_ = std::make_unique<UninstallReader>(
         UninstallReader::Services{registry, files_, ORLO::system_clock(), under_wow64, [] {}},
         std::move(tell_change));
-    cycle_ = std::make_unique<RefreshCycle>(
-        RefreshCycle::Parts{*reader_, current_, list_lock_, view_, frame_, ORLO::system_clock()},
-        &scripted_wait);
+    cycle_ =
+        std::make_unique<RefreshCycle>(RefreshCycle::Parts{*reader_, current_, history_, list_lock_,
+                                                           view_, frame_, ORLO::system_clock()},
+                                       &scripted_wait);
   }
   /// Returns when so many watchers are in their waits: earlier changes would be missed.
   void await_watchers(size_t count) const {
@@ -138,7 +147,25 @@ class RefreshCycleTest : public testing::Test {
   static inline const Log kCalmCycle = {"begin wait", "counts", "end wait", "refreshed"};
   MemoryRegistry registry_;
   MemoryFiles files_;
+  /// As run(); what the applied entries are marked with.
+  std::vector<int> run_marks() {
+    view_.marks.clear();
+    run();
+    return view_.marks;
+  }
+  /// As if a history file had been read that holds what is there now.
+  void load_history() {
+    reader_->start_pass();
+    while (reader_->pass_running())
+      std::this_thread::yield();
+    reader_->hand_over(history_.lastEntries);
+    history_.loaded();
+    reader_->clear();
+  }
+  using Marks = std::vector<int>;
+
   Table current_{packageSchema()};
+  HistoryMerge history_;
   ORLO::CriticalSection list_lock_;
   RecordingView view_;
   RecordingFrame frame_;
@@ -627,8 +654,8 @@ TEST_F(RefreshCycleTest, ThreadThatFailsBeforeItsFirstPassEndsTheWait) {
   reader_ = std::make_unique<UninstallReader>(
       UninstallReader::Services{registry_, files_, ORLO::system_clock(), true,
                                 [] { throw ORLO::UserException("no language"); }});
-  cycle_ = std::make_unique<RefreshCycle>(
-      RefreshCycle::Parts{*reader_, current_, list_lock_, view_, frame_, ORLO::system_clock()});
+  cycle_ = std::make_unique<RefreshCycle>(RefreshCycle::Parts{
+      *reader_, current_, history_, list_lock_, view_, frame_, ORLO::system_clock()});
   run();
   EXPECT_EQ(frame_.log, kCalmCycle);
   EXPECT_EQ(reports.texts().size(), 1u);
@@ -753,6 +780,140 @@ TEST_F(RefreshCycleTest, ReaderStopsDuringAPass) {
   reader_->start_pass();
   reader_.reset();
   EXPECT_EQ(registry_.open_keys(), 0u);
+}
+
+TEST_F(RefreshCycleTest, FirstCycleWithoutHistoryMarksNothingAndKeepsTheBaseline) {
+  registry_.create(kUser + kUninstall + "App");
+  start();
+  frame_.at_history = [this] { EXPECT_EQ(history_.lastEntries.size(), 1u); };
+  EXPECT_EQ(run_marks(), (Marks{0}));
+  EXPECT_EQ(frame_.histories, 1);
+}
+
+TEST_F(RefreshCycleTest, FirstCycleMarksWhatIsNewOrChangedSinceTheHistory) {
+  for (const char* name : {"changed", "gone", "same"})
+    registry_.create(kUser + kUninstall + name);
+  start();
+  load_history();
+  registry_.set_text(kUser + kUninstall + "changed", "Comments", u"now");
+  registry_.remove(kUser + kUninstall + "gone");
+  registry_.create(kUser + kUninstall + "new");
+  EXPECT_EQ(run_marks(), (Marks{1 << static_cast<int>(PackageColumn::comments), -1, 0}));
+  EXPECT_EQ(frame_.histories, 1);
+}
+
+TEST_F(RefreshCycleTest, CycleThatMarksNothingKeepsNothing) {
+  registry_.create(kUser + kUninstall + "App");
+  registry_.create(kUser + kUninstall + "gone");
+  start();
+  load_history();
+  registry_.remove(kUser + kUninstall + "gone");
+  EXPECT_EQ(run_marks(), (Marks{0}));
+  EXPECT_EQ(frame_.histories, 0);
+  EXPECT_EQ(history_.lastEntries.size(), 1u);
+}
+
+TEST_F(RefreshCycleTest, PackageThatArrivesIsNewUntilTheNextCycle) {
+  registry_.create(kUser + kUninstall + "Other");
+  start();
+  run();
+  registry_.create(kUser + kUninstall + "App");
+  EXPECT_EQ(run_marks(), (Marks{-1}));
+  EXPECT_EQ(frame_.histories, 2);
+  registry_.set_text(kUser + kUninstall + "App", "Comments", u"now");
+  EXPECT_EQ(run_marks(), (Marks{1 << static_cast<int>(PackageColumn::comments)}));
+  EXPECT_EQ(run_marks(), (Marks{}));
+  EXPECT_EQ(frame_.histories, 3);
+}
+
+TEST_F(RefreshCycleTest, RemovedPackageLeavesNoMarkAndIsNewWhenItComesAgain) {
+  registry_.create(kUser + kUninstall + "App");
+  start();
+  run();
+  registry_.remove(kUser + kUninstall + "App");
+  EXPECT_EQ(run_marks(), (Marks{}));
+  EXPECT_EQ(frame_.histories, 1);
+  registry_.create(kUser + kUninstall + "App");
+  EXPECT_EQ(run_marks(), (Marks{-1}));
+}
+
+TEST_F(RefreshCycleTest, MarksStayOutOfTheTables) {
+  registry_.create(kUser + kUninstall + "App");
+  start();
+  run();
+  registry_.create(kUser + kUninstall + "new");
+  run();
+  for (const Table* table : {&current_, &history_.lastEntries}) {
+    for (const auto& [key, row] : table->rows)
+      EXPECT_STREQ(cell(row, PackageColumn::changed).text.c_str(), "");
+  }
+}
+
+TEST_F(RefreshCycleTest, ReadingAfreshAcceptsThePresentState) {
+  registry_.create(kUser + kUninstall + "App");
+  start();
+  run();
+  registry_.create(kUser + kUninstall + "new");
+  view_.marks.clear();
+  cycle_->requestAfresh();
+  EXPECT_EQ(view_.marks, (Marks{0, 0}));
+  EXPECT_EQ(frame_.histories, 2);
+  EXPECT_EQ(history_.lastEntries.size(), 2u);
+}
+
+TEST_F(RefreshCycleTest, CycleWhoseRowsWereForgottenIsNoBaseline) {
+  registry_.create(kUser + kUninstall + "App");
+  start();
+  std::vector<size_t> kept;
+  frame_.at_history = [&] { kept.push_back(history_.lastEntries.size()); };
+  frame_.at_counts = [this] {
+    frame_.at_counts = {};
+    cycle_->requestAfresh();
+  };
+  run();
+  EXPECT_EQ(kept, (std::vector<size_t>{1}));
+}
+
+TEST_F(RefreshCycleTest, EndAfterForgettingKeepsTheOldHistory) {
+  registry_.create(kUser + kUninstall + "App");
+  start();
+  frame_.at_counts = [this] {
+    cycle_->requestAfresh();
+    cycle_->end();
+  };
+  run();
+  EXPECT_EQ(frame_.histories, 0);
+}
+
+TEST_F(RefreshCycleTest, CycleThatRunsWhenTheEndComesKeepsItsBaseline) {
+  registry_.create(kUser + kUninstall + "App");
+  start();
+  view_.at_clear = [this] { cycle_->end(); };
+  run();
+  EXPECT_EQ(frame_.histories, 1);
+}
+
+TEST_F(RefreshCycleTest, AbandonedCycleMovesNoBaseline) {
+  registry_.create(kUser + kUninstall + "App");
+  start();
+  at_wait = [] { return ORLO::kWaitQuit; };
+  run();
+  EXPECT_EQ(frame_.histories, 0);
+  EXPECT_FALSE(history_.historyLoaded());
+}
+
+TEST_F(RefreshCycleTest, BaselineMovesOnceTheFailureHasBeenRead) {
+  registry_.create(kUser + kUninstall + "App");
+  HookedRegistry hooked(registry_, [](const std::string& operation, uint32_t) {
+    if (operation == "subkey_at") throw ORLO::UserException("broken");
+  });
+  start(hooked);
+  int before = -1;
+  frame_.at_failure = [&] { before = frame_.histories; };
+  run();
+  EXPECT_EQ(before, 0);
+  EXPECT_EQ(frame_.histories, 1);
+  reader_.reset();
 }
 
 }  // namespace

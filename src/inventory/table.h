@@ -9,6 +9,11 @@
 #include "orlo/rstring.h"
 #include "orlo/thread.h"
 
+namespace Trellis {
+class XMLNode;
+class XMLWriter;
+}  // namespace Trellis
+
 enum class ColumnType : int32_t { text = 0, integer = 1, real = 2, date = 3 };
 
 struct Column {
@@ -83,6 +88,13 @@ class Table {
   /// Erases the row with this key, if there is one.
   void erase(const RowKey& key);
   void clear_rows();
+
+  /// An element "row" for each row in key order, with the texts of the tracked columns that aren't
+  /// empty as attributes. Takes no lock: no other thread may work on the table.
+  void writeRows(Trellis::XMLWriter& writer) const;
+  /// Adds a row for each child "row", in their order. Numbers are read from their text. Throws
+  /// UserException "column not found" at an attribute that is no column; the rows before it stay.
+  void readRows(const Trellis::XMLNode& node);
 
   RowKey key_of(const Row& row) const;
   size_t column_count() const noexcept { return columns.size(); }

@@ -9,4 +9,8 @@ namespace ORLO {
 /// from zero, exponents have three digits, infinity is 1.#INF. Chosen at link time.
 std::string real_text(char conversion, int precision, double value);
 
+/// The number that a text begins with, behind white space; 0 if there is none. One that is too
+/// large is infinite. No locale matters.
+double real_value(const char* text) noexcept;
+
 }  // namespace ORLO

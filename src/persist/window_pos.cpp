@@ -1,8 +1,48 @@
 #include "persist/window_pos.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "orlo/scan.h"
+
+namespace {
+
+// What it takes to grasp a title bar.
+constexpr int64_t kGripWidth = 48;
+constexpr int64_t kTitleHeight = 24;
+// No system has larger windows.
+constexpr int64_t kLargest = 32767;
+
+/// Length that two spans have in common; negative or 0 if they don't meet.
+int64_t overlap(int64_t begin, int64_t end, int64_t other_begin, int64_t other_end) {
+  return std::min(end, other_end) - std::max(begin, other_begin);
+}
+
+int size(int begin, int end) noexcept {
+  return static_cast<int>(std::clamp<int64_t>(int64_t{end} - begin, 0, kLargest));
+}
+
+bool in_reach(const WindowPos& pos, const ScreenArea& area) {
+  return overlap(pos.left, pos.right, area.left, area.right) >= kGripWidth &&
+         overlap(pos.top, pos.top + kTitleHeight, area.top, area.bottom) >= kTitleHeight / 2;
+}
+
+/// Moves a span into another one, shortened if it is longer.
+void move_into(int& begin, int& end, int area_begin, int area_end) {
+  const int length = std::min(size(begin, end), size(area_begin, area_end));
+  begin = std::clamp(begin, area_begin, area_end - length);
+  end = begin + length;
+}
+
+}  // namespace
+
+int WindowPos::width() const noexcept {
+  return size(left, right);
+}
+
+int WindowPos::height() const noexcept {
+  return size(top, bottom);
+}
 
 std::optional<WindowPos> parse_window_pos(const String& text) {
   WindowPos pos;
@@ -21,4 +61,13 @@ void keep_window_pos(const WindowPos& pos, String& windowPos) {
   if (pos.show_command == WindowPos::kMinimized) return;
   const String text = window_pos_text(pos);
   if (std::strcmp(text.c_str(), windowPos.c_str()) != 0) windowPos = text;
+}
+
+WindowPos within_reach(const WindowPos& pos, const std::vector<ScreenArea>& areas) {
+  const auto reaches = [&](const ScreenArea& area) { return in_reach(pos, area); };
+  if (areas.empty() || std::any_of(areas.begin(), areas.end(), reaches)) return pos;
+  WindowPos moved = pos;
+  move_into(moved.left, moved.right, areas.front().left, areas.front().right);
+  move_into(moved.top, moved.bottom, areas.front().top, areas.front().bottom);
+  return moved;
 }

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 #include "orlo/rstring.h"
 
@@ -17,6 +18,9 @@ struct WindowPos {
   int bottom = 0;
   int show_command = 1;
 
+  /// 0 where the edges are the wrong way round, and not more than any window has.
+  int width() const noexcept;
+  int height() const noexcept;
   bool operator==(const WindowPos&) const = default;
 };
 
@@ -27,3 +31,15 @@ String window_pos_text(const WindowPos& pos);
 
 /// Puts the place of a window that is not minimised into `windowPos`, if it differs.
 void keep_window_pos(const WindowPos& pos, String& windowPos);
+
+/// A part of the screens that a window may cover, in pixels; `right` and `bottom` lie outside.
+struct ScreenArea {
+  int left = 0;
+  int top = 0;
+  int right = 0;
+  int bottom = 0;
+};
+
+/// The place as it is if the title bar of a window there can be grasped on one of the areas; else
+/// moved into the first one, and no larger than that. Without areas the place as it is.
+WindowPos within_reach(const WindowPos& pos, const std::vector<ScreenArea>& areas);

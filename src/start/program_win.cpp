@@ -69,7 +69,8 @@ int run(HINSTANCE instance, const Switches& switches, const ProgramServices& ser
   para.noPersist = switches.noPersist;
   para.noUpdate = switches.noUpdate;
   if (!para.noPersist) {
-    set_paths(local_data_folder(), para);
+    // Without it the paths would lead to the root of whatever drive is current.
+    if (const String folder = local_data_folder(); !folder.empty()) set_paths(folder, para);
     readConfiguration(para);
   }
   set_ui_locale(choose_language(switches, para));

@@ -83,6 +83,8 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   /// While a menu is open, the refresh waits for its end.
   void refresh(void (RefreshCycle::*request)());
   void end_if_due();
+  /// False if the last run has left nothing that can be used.
+  bool readHistory();
   /// Stops the threads and keeps what lasts. Does nothing the second time.
   void shut_down();
 
@@ -92,6 +94,7 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   void end_wait() noexcept override;
   void show_counts() override;
   void show_failure(const String& text) override;
+  void writeHistory() override;
   void refreshed() override;
 
   UninstallDlgPara& para_;  ///< the dialog's parameters
@@ -111,6 +114,7 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
 
   ORLO::CriticalSection listLock;
   Table currentTable;
+  HistoryMerge history_;
   bool closing = false;
   bool menu_open_ = false;
   int open_boxes_ = 0;

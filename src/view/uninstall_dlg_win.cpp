@@ -1,11 +1,14 @@
 #include "view/uninstall_dlg.h"
 
+#include <algorithm>
 #include <iterator>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "orlo/window_helpers.h"
 #include "persist/configuration.h"
+#include "persist/history.h"
 #include "persist/window_pos.h"
 #include "view/resource_ids.h"
 #include "view/window_restart.h"
@@ -62,6 +65,34 @@ HICON load_icon(HINSTANCE module, int width_metric, int height_metric) {
                                        GetSystemMetrics(height_metric), LR_DEFAULTCOLOR));
 }
 
+BOOL CALLBACK add_work_area(HMONITOR monitor, HDC, RECT*, LPARAM list) {
+  auto& areas = *reinterpret_cast<std::vector<ScreenArea>*>(list);
+  MONITORINFO info = {};
+  info.cbSize = sizeof info;
+  if (GetMonitorInfoA(monitor, &info) == FALSE) return TRUE;
+  const bool primary = (info.dwFlags & MONITORINFOF_PRIMARY) != 0;
+  const RECT& work = info.rcWork;
+  areas.insert(primary ? areas.begin() : areas.end(),
+               {work.left, work.top, work.right, work.bottom});
+  return TRUE;
+}
+
+/// No window lies further out, as messages tell of places in 16 bits.
+int coordinate(int value) {
+  return std::clamp(value, -32768, 32767);
+}
+
+void move_to(HWND window, const WindowPos& pos) {
+  MoveWindow(window, coordinate(pos.left), coordinate(pos.top), pos.width(), pos.height(), TRUE);
+}
+
+/// What windows may cover of each screen, that of the primary one first.
+std::vector<ScreenArea> work_areas() {
+  std::vector<ScreenArea> areas;
+  EnumDisplayMonitors(nullptr, nullptr, &add_work_area, reinterpret_cast<LPARAM>(&areas));
+  return areas;
+}
+
 }  // namespace
 
 UninstallDlg::UninstallDlg(HWND window, std::unique_ptr<UninstallDlgPara> dialog_para,
@@ -81,7 +112,7 @@ UninstallDlg::UninstallDlg(HWND window, std::unique_ptr<UninstallDlgPara> dialog
       model_(list_, CellTexts{resources.text(IDS_CHANGED), resources.text(IDS_NEW)}),
       currentTable(packageSchema()),
       reader_(services, [window] { PostMessageA(window, kRegistryChanged, 0, 0); }),
-      cycle_({reader_, currentTable, listLock, model_, *this, services.clock}) {
+      cycle_({reader_, currentTable, history_, listLock, model_, *this, services.clock}) {
   set_icons();
   set_menu();
   set_resize_rules();
@@ -140,14 +171,20 @@ void UninstallDlg::fill_combos() {
 }
 
 void UninstallDlg::place_window() {
-  const std::optional<WindowPos> pos = parse_window_pos(run_.windowPos);
-  if (!pos) {
+  const std::optional<WindowPos> saved = parse_window_pos(run_.windowPos);
+  if (!saved) {
     ORLO::center_window(_hwnd);
     return;
   }
   // Laid out anew on its way, by the message that tells of the new size.
-  MoveWindow(_hwnd, pos->left, pos->top, pos->right - pos->left, pos->bottom - pos->top, TRUE);
-  ShowWindow(_hwnd, pos->show_command);
+  move_to(_hwnd, *saved);
+  // The size may have become another one; only now is it sure where the window lies.
+  RECT frame = {};
+  GetWindowRect(_hwnd, &frame);
+  const WindowPos lies{frame.left, frame.top, frame.right, frame.bottom, saved->show_command};
+  const WindowPos reachable = within_reach(lies, work_areas());
+  if (reachable != lies) move_to(_hwnd, reachable);
+  ShowWindow(_hwnd, saved->show_command);
 }
 
 LRESULT UninstallDlg::Init(HWND) {
@@ -156,6 +193,7 @@ LRESULT UninstallDlg::Init(HWND) {
   UpdateWindow(_hwnd);
   // Before the first pass, during which the window is used already.
   SetFocus(control(IDC_SEARCH));
+  if (!run_.noPersist && readHistory()) history_.loaded();
   requestRefresh();
   // The focus has been set.
   return FALSE;
@@ -197,6 +235,15 @@ LRESULT UninstallDlg::WndProc(UINT message, WPARAM wparam, LPARAM lparam) {
     default:
       return Base::WndProc(message, wparam, lparam);
   }
+}
+
+bool UninstallDlg::readHistory() {
+  currentTable.clear_rows();
+  return read_history(run_.histPath, history_.lastEntries);
+}
+
+void UninstallDlg::writeHistory() {
+  if (!run_.noPersist) write_history(history_.lastEntries, run_.histPath);
 }
 
 void UninstallDlg::requestRefresh() {

@@ -86,6 +86,8 @@ def make_restarting():
     made = []
 
     def make(desk, path):
+        # No place that an earlier test's window had.
+        shutil.rmtree(desk.prefix.kept, ignore_errors=True)
         made.append(Restarting(desk, path))
         return made[-1]
 

@@ -2,7 +2,7 @@
 
 import pytest
 
-from support.program import REFRESH, DriverError, eventually
+from support.program import REFRESH, eventually
 from support.registry import SZ, UNINSTALL, Key
 
 KEYS = [Key("local", "Stays", {"DisplayName": "Stays", "InstallDate": "20251112"}),
@@ -17,14 +17,7 @@ def set_value(desk, place, key, name, text):
 
 
 def names(program):
-    """Asked again where the list has changed while it was read, row by row."""
-    def read():
-        try:
-            return [[row[2] for row in program.rows()]]
-        except DriverError:
-            return None
-
-    return eventually(read, "the list stays as it is while it is read")[0]
+    return [row[2] for row in program.steady_rows()]
 
 
 @pytest.fixture

@@ -8,7 +8,7 @@ import pytest
 
 from conftest import BINARIES
 from support.held import HeldDesk
-from support.program import REFRESH, DriverError, eventually
+from support.program import REFRESH, eventually
 from support.registry import SZ, UNINSTALL, Key
 from support.watching import PLACES, shows_by_itself
 
@@ -30,14 +30,7 @@ def set_name(desk, place, key, text):
 
 
 def names(program):
-    """Asked again where the list has changed while it was read, row by row."""
-    def read():
-        try:
-            return [{row[2] for row in program.rows()}]
-        except DriverError:
-            return None
-
-    return eventually(read, "the list stays as it is while it is read")[0]
+    return {row[2] for row in program.steady_rows()}
 
 
 @pytest.fixture(scope="module")

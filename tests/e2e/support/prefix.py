@@ -64,6 +64,12 @@ class Prefix:
         wait_for_server(self.env, "-w")
         shutil.rmtree(self._home)
 
+    @property
+    def kept(self):
+        """The folder of the files that the program keeps between its runs."""
+        users = self.folder / "drive_c/users"
+        return next(users.glob("*/AppData/Local")) / "Quillmere"
+
     def import_registry(self, text):
         """Imports the text of a .reg file, its keys named as in the 64-bit view."""
         file = self._home / "seed.reg"

@@ -71,6 +71,16 @@ class Program:
         """The texts of every row, from the top."""
         return [row["cells"] for row in self.ask("list-rows", LIST)]
 
+    def steady_rows(self):
+        """As rows(), asked again where the list has changed while it was read, row by row."""
+        def read():
+            try:
+                return [self.rows()]
+            except DriverError:
+                return None
+
+        return eventually(read, "the list stays as it is while it is read")[0]
+
     def column(self, number):
         """The texts of one column, from the top."""
         return self.ask("list-column", LIST, number)

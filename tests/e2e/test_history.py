@@ -1,0 +1,303 @@
+"""What is new or changed since the last run, and the file that remembers."""
+
+import os
+import shutil
+from pathlib import Path
+
+import pytest
+
+from conftest import BINARIES
+from support.held import HeldDesk
+from support.program import REFRESH, WINDOW_CLASS, eventually
+from support.registry import SZ, UNINSTALL, Key
+from support.watching import PLACES, shows_by_itself
+
+GOLDEN = Path(__file__).parent / "golden/history.xml"
+QUIET = "-noupdate"
+BOX_LIMIT = 30000
+
+# Dates far from any key's last write, so that they stay as they are told.
+KEYS = [
+    Key("local", "Alpha", {"DisplayName": "Alpha <&> \"one\" 'two'", "InstallDate": "20011231",
+                           "DisplayVersion": "1.0", "Publisher": "M\u00fcller & S\u00f6hne",
+                           "EstimatedSize": 2048, "NoRemove": 1}),
+    Key("local64", "Beta", {"DisplayName": "Beta", "InstallDate": "20020102",
+                            "UninstallString": "C:\\beta\\gone.exe /x"}),
+    Key("user", "Gamma", {"DisplayName": "Gamma", "InstallDate": "20030304"}),
+]
+NAMES = ["Alpha <&> \"one\" 'two'", "Beta", "Gamma"]
+
+
+class Memory:
+    """A prefix whose program remembers its runs."""
+
+    def __init__(self, desk):
+        self.desk, self.driver = desk, desk.driver
+        self.file = desk.prefix.kept / "zolvane-hist.xml"
+
+    def open(self, *switches, count=len(KEYS)):
+        program = self.desk.open(QUIET, *switches)
+        if count is not None:
+            program.wait_filled(count)
+        return program
+
+    def run(self, *switches, count=len(KEYS)):
+        """A whole run; the marks that it has shown."""
+        program = self.open(*switches, count=count)
+        shown = marks(program)
+        assert program.close() == 0
+        return shown
+
+    def set(self, place, key, name, text):
+        self.driver("reg-set", *PLACES[place], f"Software\\{UNINSTALL}\\{key}", name, SZ,
+                    text.encode("cp1252") + b"\0")
+
+    def delete(self, place, key):
+        self.driver("reg-delete", *PLACES[place], f"Software\\{UNINSTALL}\\{key}")
+
+    def content(self):
+        return self.file.read_bytes()
+
+
+def marks(program):
+    """What the column of changes says of each package that it says something of."""
+    return {row[2]: row[-1] for row in program.steady_rows() if row[-1]}
+
+
+def names(program):
+    return [row[2] for row in program.steady_rows()]
+
+
+def answer_boxes_until_filled(memory, program):
+    """A document that no program has written may fail an assertion, which is told and passed."""
+    def filled():
+        for window in memory.desk.windows_of(program.pid):
+            if window["class"] == WINDOW_CLASS and window["handle"] != program.handle:
+                memory.driver("post", window["handle"], 0x0111, 1, 0)
+        return program.status() == f"{len(KEYS)} / {len(KEYS)} packages"
+
+    eventually(filled, "the list is filled")
+
+
+@pytest.fixture
+def memory(make_desk):
+    with make_desk(KEYS) as desk:
+        yield Memory(desk)
+
+
+def test_the_first_run_marks_nothing_and_writes_the_history(memory):
+    assert memory.run() == {}
+    assert memory.content() == GOLDEN.read_bytes()
+
+
+def test_a_run_without_a_change_marks_nothing_and_leaves_the_file_alone(memory):
+    memory.run()
+    os.utime(memory.file, (0, 0))
+    assert memory.run() == {}
+    assert memory.file.stat().st_mtime == 0
+    assert memory.content() == GOLDEN.read_bytes()
+
+
+def test_new_and_changed_packages_are_marked_once(memory):
+    memory.run()
+    memory.set("local", "Alpha", "DisplayVersion", "1.1")
+    memory.set("user", "Delta", "DisplayName", "Delta")
+    memory.delete("local64", "Beta")
+    assert memory.run() == {NAMES[0]: "changed", "Delta": "new"}
+    assert b"Delta" in memory.content() and b"Beta" not in memory.content()
+    assert memory.run() == {}
+
+
+def test_a_removed_package_stays_in_the_file_until_another_change(memory):
+    memory.run()
+    memory.delete("user", "Gamma")
+    assert memory.run(count=2) == {}
+    assert memory.content() == GOLDEN.read_bytes()
+    # It comes back before that, and so is no news.
+    memory.set("user", "Gamma", "DisplayName", "Gamma")
+    memory.set("user", "Gamma", "InstallDate", "20030304")
+    assert memory.run() == {}
+
+
+def test_a_removed_package_that_comes_again_after_another_change_is_new(memory):
+    memory.run()
+    memory.delete("user", "Gamma")
+    memory.set("local64", "Beta", "Comments", "now")
+    assert memory.run(count=2) == {"Beta": "changed"}
+    memory.set("user", "Gamma", "DisplayName", "Gamma")
+    assert memory.run() == {"Gamma": "new"}
+
+
+def test_what_changes_meanwhile_shows_without_a_mark(memory):
+    program = memory.open()
+    memory.set("local64", "Beta", "Comments", "now")
+    shows_by_itself(memory.desk, "local64",
+                    lambda: any("now" in row for row in program.steady_rows()), "the comment")
+    # The package has its line, and with it no mark.
+    assert marks(program) == {}
+    assert program.close() == 0
+    assert memory.run() == {}
+
+
+def test_a_package_that_arrives_shows_as_new(memory):
+    held = HeldDesk(memory.desk, BINARIES / "zolvane-held.exe")
+    # The second pass is held before it reads anything, and fails behind its first place: while its
+    # box is open, no other refresh can take the marks away again.
+    program = held.start("hold@source4 fail@source5", persist=True)
+    program.wait_filled(len(KEYS))
+    memory.set("user", "Gamma", "Comments", "now")
+    held.reached()
+    memory.set("local", "Delta", "DisplayName", "Delta")
+    held.go()
+    box = held.wait_for_box(program.pid)
+    assert program.status() == "4 / 4 packages"
+    assert marks(program) == {"Delta": "new"}
+    held.answer_box(box)
+    shows_by_itself(memory.desk, "local", lambda: marks(program) == {}, "no mark is left")
+    assert program.close() == 0
+
+
+def test_a_run_that_must_not_persist_neither_reads_nor_writes(memory):
+    assert memory.run("-nopersist") == {}
+    assert not memory.file.parent.exists()
+    memory.run()
+    memory.set("user", "Delta", "DisplayName", "Delta")
+    assert memory.run("-nopersist", count=4) == {}
+    assert memory.content() == GOLDEN.read_bytes()
+
+
+def test_refresh_accepts_the_present_state(memory):
+    memory.run()
+    memory.set("user", "Delta", "DisplayName", "Delta")
+    program = memory.open(count=4)
+    assert marks(program) == {"Delta": "new"}
+    os.utime(memory.file, (0, 0))
+    program.click(REFRESH)
+    eventually(lambda: memory.file.stat().st_mtime != 0, "the history is written anew")
+    program.wait_filled(4)
+    assert marks(program) == {}
+    assert program.close() == 0
+
+
+def test_a_history_of_another_version_is_none_and_is_replaced(memory):
+    memory.run()
+    for version in (b"5.2", b"5.4"):
+        memory.file.write_bytes(GOLDEN.read_bytes().replace(b"5.3", version)
+                                .replace(b"Beta", b"Else"))
+        assert memory.run() == {}
+        assert memory.content() == GOLDEN.read_bytes()
+
+
+@pytest.mark.parametrize("content", [
+    b"", b"\0" * 4096, b"<", b"<zolvane", b"</zolvane>", b"\xff\xfe<\0a\0>\0", b"no markup",
+    b"<zolvane version='5.3'><last-entries><row keyName=x/></last-entries></zolvane>",
+    b"<a>" * 100000,
+], ids=["empty", "zeros", "bracket", "open", "close", "16 bits", "text", "malformed", "deep"])
+def test_a_file_that_is_no_history_is_replaced(memory, content):
+    memory.file.parent.mkdir()
+    memory.file.write_bytes(content)
+    program = memory.open(count=None)
+    answer_boxes_until_filled(memory, program)
+    assert marks(program) == {}
+    assert program.close() == 0
+    assert memory.content() == GOLDEN.read_bytes()
+
+
+@pytest.mark.parametrize("part", [0.1, 0.3, 0.5, 0.7, 0.97])
+def test_after_a_cut_history_it_starts_and_leaves_a_good_one(memory, part):
+    memory.file.parent.mkdir()
+    golden = GOLDEN.read_bytes()
+    memory.file.write_bytes(golden[:int(len(golden) * part)])
+    program = memory.open(count=None)
+    answer_boxes_until_filled(memory, program)
+    assert program.close() == 0
+    assert memory.content() == golden
+    assert memory.run() == {}
+
+
+def test_an_unknown_attribute_is_told_and_the_list_stays_empty_until_a_refresh(memory):
+    memory.run()
+    memory.file.write_bytes(GOLDEN.read_bytes().replace(b"<row ", b"<row colour=\"red\" ", 2))
+    program = memory.open(count=None)
+    box = memory.driver("wait-window", program.pid, WINDOW_CLASS, "Exception", BOX_LIMIT)["handle"]
+    texts = [control["text"] for control in memory.driver("controls", box)]
+    assert any("column not found" in text for text in texts), texts
+    memory.driver("post", box, 0x0111, 1, 0)
+    memory.driver("wait-gone", box, BOX_LIMIT)
+    assert names(program) == []
+    program.press_key("F5")
+    program.wait_filled(len(KEYS))
+    assert marks(program) == {}
+    assert program.close() == 0
+    assert memory.content() == GOLDEN.read_bytes()
+
+
+def test_without_the_folder_of_the_user_nothing_is_written_anywhere(memory):
+    shutil.rmtree(memory.file.parent.parent)
+    assert memory.run() == {}
+    assert not any(folder.exists() for folder in (
+        Path("/Quillmere"), memory.desk.prefix.folder / "drive_c/Quillmere",
+        memory.file.parent.parent))
+
+
+def test_a_history_that_cannot_be_written_is_no_trouble(memory):
+    memory.file.parent.mkdir()
+    # A folder in its place: no rights help against that.
+    memory.file.mkdir()
+    assert memory.run() == {}
+    memory.file.rmdir()
+    assert memory.run() == {}
+    assert memory.content() == GOLDEN.read_bytes()
+
+
+def test_a_full_disk_is_no_trouble(memory):
+    held = HeldDesk(memory.desk, BINARIES / "zolvane-held.exe")
+    program = held.start("hold@source1", persist=True)
+    held.reached()
+    settings = memory.file.parent / "zolvane-cfg.xml"
+    memory.file.parent.mkdir()
+    for file in (memory.file, settings):
+        file.symlink_to("/dev/full")
+    held.go()
+    program.wait_filled(len(KEYS))
+    assert program.close() == 0
+    # Reading these would never end.
+    assert memory.file.is_symlink() and settings.is_symlink()
+    memory.file.unlink()
+    settings.unlink()
+    assert memory.run() == {}
+    assert memory.content() == GOLDEN.read_bytes()
+
+
+def test_two_programs_write_the_same_files_and_the_last_one_wins(memory):
+    first, second = memory.open(), memory.open()
+    first.ask("move", 40, 50, 800, 700)
+    second.ask("move", 140, 150, 900, 720)
+    memory.set("user", "Delta", "DisplayName", "Delta")
+    for program in (first, second):
+        shows_by_itself(memory.desk, "user", lambda: "Delta" in names(program), "the new package")
+    for program in (first, second):
+        assert program.close() == 0
+    program = memory.open(count=4)
+    assert marks(program) == {}
+    left, top, _, _ = program.window()["frame"]
+    assert (left, top) == (140, 150)
+    assert program.close() == 0
+
+
+def test_a_close_during_the_first_pass_leaves_a_whole_history(memory):
+    held = HeldDesk(memory.desk, BINARIES / "zolvane-held.exe")
+    program = held.start("hold@source2", persist=True)
+    held.reached()
+    program.ask("post", 0x0010, 0, 0)
+    held.go()
+    assert program.exit_code() == 0
+    assert memory.content() == GOLDEN.read_bytes()
+
+
+def test_the_language_of_the_texts_changes_no_package(memory):
+    memory.run("-eng")
+    program = memory.desk.open(QUIET, "-ger")
+    program.wait_for_status("3 / 3 Pakete")
+    assert marks(program) == {}
+    assert program.close() == 0
