@@ -81,21 +81,36 @@ def answer_boxes_until_filled(memory, program):
 
 @pytest.fixture
 def memory(make_desk):
+    """For tests that change the registry."""
     with make_desk(KEYS) as desk:
         yield Memory(desk)
 
 
-def test_the_first_run_marks_nothing_and_writes_the_history(memory):
-    assert memory.run() == {}
-    assert memory.content() == GOLDEN.read_bytes()
+@pytest.fixture(scope="module")
+def common_desk(make_desk):
+    with make_desk(KEYS) as desk:
+        yield desk
 
 
-def test_a_run_without_a_change_marks_nothing_and_leaves_the_file_alone(memory):
-    memory.run()
-    os.utime(memory.file, (0, 0))
-    assert memory.run() == {}
-    assert memory.file.stat().st_mtime == 0
-    assert memory.content() == GOLDEN.read_bytes()
+@pytest.fixture
+def files(common_desk):
+    """For tests that change nothing but the files."""
+    yield Memory(common_desk)
+    common_desk.end_programs()
+    shutil.rmtree(common_desk.prefix.kept, ignore_errors=True)
+
+
+def test_the_first_run_marks_nothing_and_writes_the_history(files):
+    assert files.run() == {}
+    assert files.content() == GOLDEN.read_bytes()
+
+
+def test_a_run_without_a_change_marks_nothing_and_leaves_the_file_alone(files):
+    files.run()
+    os.utime(files.file, (0, 0))
+    assert files.run() == {}
+    assert files.file.stat().st_mtime == 0
+    assert files.content() == GOLDEN.read_bytes()
 
 
 def test_new_and_changed_packages_are_marked_once(memory):
@@ -179,13 +194,13 @@ def test_refresh_accepts_the_present_state(memory):
     assert program.close() == 0
 
 
-def test_a_history_of_another_version_is_none_and_is_replaced(memory):
-    memory.run()
+def test_a_history_of_another_version_is_none_and_is_replaced(files):
+    files.run()
     for version in (b"5.2", b"5.4"):
-        memory.file.write_bytes(GOLDEN.read_bytes().replace(b"5.3", version)
-                                .replace(b"Beta", b"Else"))
-        assert memory.run() == {}
-        assert memory.content() == GOLDEN.read_bytes()
+        files.file.write_bytes(GOLDEN.read_bytes().replace(b"5.3", version)
+                               .replace(b"Beta", b"Else"))
+        assert files.run() == {}
+        assert files.content() == GOLDEN.read_bytes()
 
 
 @pytest.mark.parametrize("content", [
@@ -193,43 +208,43 @@ def test_a_history_of_another_version_is_none_and_is_replaced(memory):
     b"<zolvane version='5.3'><last-entries><row keyName=x/></last-entries></zolvane>",
     b"<a>" * 100000,
 ], ids=["empty", "zeros", "bracket", "open", "close", "16 bits", "text", "malformed", "deep"])
-def test_a_file_that_is_no_history_is_replaced(memory, content):
-    memory.file.parent.mkdir()
-    memory.file.write_bytes(content)
-    program = memory.open(count=None)
-    answer_boxes_until_filled(memory, program)
+def test_a_file_that_is_no_history_is_replaced(files, content):
+    files.file.parent.mkdir()
+    files.file.write_bytes(content)
+    program = files.open(count=None)
+    answer_boxes_until_filled(files, program)
     assert marks(program) == {}
     assert program.close() == 0
-    assert memory.content() == GOLDEN.read_bytes()
+    assert files.content() == GOLDEN.read_bytes()
 
 
 @pytest.mark.parametrize("part", [0.1, 0.3, 0.5, 0.7, 0.97])
-def test_after_a_cut_history_it_starts_and_leaves_a_good_one(memory, part):
-    memory.file.parent.mkdir()
+def test_after_a_cut_history_it_starts_and_leaves_a_good_one(files, part):
+    files.file.parent.mkdir()
     golden = GOLDEN.read_bytes()
-    memory.file.write_bytes(golden[:int(len(golden) * part)])
-    program = memory.open(count=None)
-    answer_boxes_until_filled(memory, program)
+    files.file.write_bytes(golden[:int(len(golden) * part)])
+    program = files.open(count=None)
+    answer_boxes_until_filled(files, program)
     assert program.close() == 0
-    assert memory.content() == golden
-    assert memory.run() == {}
+    assert files.content() == golden
+    assert files.run() == {}
 
 
-def test_an_unknown_attribute_is_told_and_the_list_stays_empty_until_a_refresh(memory):
-    memory.run()
-    memory.file.write_bytes(GOLDEN.read_bytes().replace(b"<row ", b"<row colour=\"red\" ", 2))
-    program = memory.open(count=None)
-    box = memory.driver("wait-window", program.pid, WINDOW_CLASS, "Exception", BOX_LIMIT)["handle"]
-    texts = [control["text"] for control in memory.driver("controls", box)]
+def test_an_unknown_attribute_is_told_and_the_list_stays_empty_until_a_refresh(files):
+    files.run()
+    files.file.write_bytes(GOLDEN.read_bytes().replace(b"<row ", b"<row colour=\"red\" ", 2))
+    program = files.open(count=None)
+    box = files.driver("wait-window", program.pid, WINDOW_CLASS, "Exception", BOX_LIMIT)["handle"]
+    texts = [control["text"] for control in files.driver("controls", box)]
     assert any("column not found" in text for text in texts), texts
-    memory.driver("post", box, 0x0111, 1, 0)
-    memory.driver("wait-gone", box, BOX_LIMIT)
+    files.driver("post", box, 0x0111, 1, 0)
+    files.driver("wait-gone", box, BOX_LIMIT)
     assert names(program) == []
     program.press_key("F5")
     program.wait_filled(len(KEYS))
     assert marks(program) == {}
     assert program.close() == 0
-    assert memory.content() == GOLDEN.read_bytes()
+    assert files.content() == GOLDEN.read_bytes()
 
 
 def test_without_the_folder_of_the_user_nothing_is_written_anywhere(memory):
@@ -240,33 +255,33 @@ def test_without_the_folder_of_the_user_nothing_is_written_anywhere(memory):
         memory.file.parent.parent))
 
 
-def test_a_history_that_cannot_be_written_is_no_trouble(memory):
-    memory.file.parent.mkdir()
+def test_a_history_that_cannot_be_written_is_no_trouble(files):
+    files.file.parent.mkdir()
     # A folder in its place: no rights help against that.
-    memory.file.mkdir()
-    assert memory.run() == {}
-    memory.file.rmdir()
-    assert memory.run() == {}
-    assert memory.content() == GOLDEN.read_bytes()
+    files.file.mkdir()
+    assert files.run() == {}
+    files.file.rmdir()
+    assert files.run() == {}
+    assert files.content() == GOLDEN.read_bytes()
 
 
-def test_a_full_disk_is_no_trouble(memory):
-    held = HeldDesk(memory.desk, BINARIES / "zolvane-held.exe")
+def test_a_full_disk_is_no_trouble(files):
+    held = HeldDesk(files.desk, BINARIES / "zolvane-held.exe")
     program = held.start("hold@source1", persist=True)
     held.reached()
-    settings = memory.file.parent / "zolvane-cfg.xml"
-    memory.file.parent.mkdir()
-    for file in (memory.file, settings):
+    settings = files.file.parent / "zolvane-cfg.xml"
+    files.file.parent.mkdir()
+    for file in (files.file, settings):
         file.symlink_to("/dev/full")
     held.go()
     program.wait_filled(len(KEYS))
     assert program.close() == 0
     # Reading these would never end.
-    assert memory.file.is_symlink() and settings.is_symlink()
-    memory.file.unlink()
+    assert files.file.is_symlink() and settings.is_symlink()
+    files.file.unlink()
     settings.unlink()
-    assert memory.run() == {}
-    assert memory.content() == GOLDEN.read_bytes()
+    assert files.run() == {}
+    assert files.content() == GOLDEN.read_bytes()
 
 
 def test_two_programs_write_the_same_files_and_the_last_one_wins(memory):
@@ -285,19 +300,19 @@ def test_two_programs_write_the_same_files_and_the_last_one_wins(memory):
     assert program.close() == 0
 
 
-def test_a_close_during_the_first_pass_leaves_a_whole_history(memory):
-    held = HeldDesk(memory.desk, BINARIES / "zolvane-held.exe")
+def test_a_close_during_the_first_pass_leaves_a_whole_history(files):
+    held = HeldDesk(files.desk, BINARIES / "zolvane-held.exe")
     program = held.start("hold@source2", persist=True)
     held.reached()
     program.ask("post", 0x0010, 0, 0)
     held.go()
     assert program.exit_code() == 0
-    assert memory.content() == GOLDEN.read_bytes()
+    assert files.content() == GOLDEN.read_bytes()
 
 
-def test_the_language_of_the_texts_changes_no_package(memory):
-    memory.run("-eng")
-    program = memory.desk.open(QUIET, "-ger")
+def test_the_language_of_the_texts_changes_no_package(files):
+    files.run("-eng")
+    program = files.desk.open(QUIET, "-ger")
     program.wait_for_status("3 / 3 Pakete")
     assert marks(program) == {}
     assert program.close() == 0

@@ -12,7 +12,7 @@ from support.registry import Key
 SWITCH_LANGUAGE = 32
 COMMAND_LABEL = 1012
 WM_COMMAND = 0x111
-SW_MAXIMIZE, SW_MINIMIZE, SW_RESTORE = 3, 6, 9
+SW_MAXIMIZE, SW_RESTORE = 3, 9
 
 KEYS = [Key("user", "Only", {"DisplayName": "Only"})]
 LABELS = {"Uninstall-Cmd.:": "english", "Uninstall-Befehl:": "german"}
@@ -163,8 +163,7 @@ def test_a_minimised_window_gives_no_place(restarting):
     program.wait_for_status(FILLED["english"])
     first = program.window()["frame"]
     move_to_place(program)
-    program.ask("show", SW_MINIMIZE)
-    eventually(lambda: program.window()["iconic"], "it is minimised")
+    program.minimise()
     german = restarting.switch(program)
     german.wait_for_status(FILLED["german"])
     assert not german.window()["iconic"]

@@ -1,5 +1,7 @@
 """The settings that outlive a run, and the file that keeps them."""
 
+import shutil
+
 import pytest
 
 from conftest import GERMAN, SCREENSHOTS
@@ -9,7 +11,6 @@ from support.screen import SIZE
 
 KEYS = [Key("user", "Only", {"DisplayName": "Only"})]
 PLACE = (90, 120, 860, 710)
-SW_MINIMIZE = 6
 FRAME = 4
 DECLARATION = '<?xml version="1.0" encoding="utf-8"?>'
 FILLED = {"english": "1 / 1 packages", "german": "1 / 1 Pakete"}
@@ -46,10 +47,17 @@ def move(program, place):
     eventually(lambda: program.window()["frame"] == list(place), "the window is at its place")
 
 
-@pytest.fixture
-def settings(make_desk):
+@pytest.fixture(scope="module")
+def desk(make_desk):
     with make_desk(KEYS) as desk:
-        yield Settings(desk)
+        yield desk
+
+
+@pytest.fixture
+def settings(desk):
+    yield Settings(desk)
+    desk.end_programs()
+    shutil.rmtree(desk.prefix.kept, ignore_errors=True)
 
 
 def test_the_file_is_written_at_the_end_and_brings_the_window_back(settings):
@@ -69,16 +77,14 @@ def test_a_window_that_is_minimised_at_the_end_keeps_its_former_place(settings):
     settings.write(f'<ui lang-id="9" window-pos="{"/".join(map(str, PLACE))} - 1"/>')
     program = settings.open()
     move(program, (200, 200, 900, 800))
-    program.ask("show", SW_MINIMIZE)
-    eventually(lambda: program.window()["iconic"], "it is minimised")
+    program.minimise()
     assert program.close() == 0
     assert settings.content() == text_of(PLACE)
 
 
 def test_the_first_end_while_minimised_leaves_no_place(settings):
     program = settings.open()
-    program.ask("show", SW_MINIMIZE)
-    eventually(lambda: program.window()["iconic"], "it is minimised")
+    program.minimise()
     assert program.close() == 0
     assert settings.content() == (f'{DECLARATION}<zolvane version="5.3"><ui lang-id="9"/>'
                                   '<flags color-bkgnd="true"/></zolvane>\n')

@@ -119,6 +119,16 @@ class Program:
         eventually(lambda: self.window()["foreground"] and self._screen.focus_title() == TITLE,
                    "the window is active")
 
+    def minimise(self):
+        """Minimised for good: Wine makes a dialog's window a normal one when its queue is empty for
+        the first time, which lies behind the end of the first refresh."""
+        def stays_minimised():
+            self.ask("show", 6)  # SW_MINIMIZE
+            # Each text is an answer of the window's thread, given between two looks at its queue.
+            return all(self.window()["iconic"] and self.status() is not None for _ in range(3))
+
+        eventually(stays_minimised, "it is minimised")
+
     def press_key(self, key):
         self.activate()
         self._screen.press_key(key)
