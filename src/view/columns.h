@@ -17,6 +17,9 @@ struct ListColumn {
   ListControl::Align align;
   /// The cell's text, for columns that show a field as it is; else null.
   String UninstallEntry::*text;
+  /// The bit of `changed` that tells of this column, 0 if none does. Fixed, also where it isn't
+  /// that of the column's own field.
+  uint32_t change_bit;
 };
 
 /// `index` from 0 to kListColumns - 1.

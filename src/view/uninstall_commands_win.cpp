@@ -6,10 +6,12 @@
 #include "orlo/hyperlink.h"
 #include "orlo/message_wait.h"
 #include "orlo/window_helpers.h"
+#include "persist/configuration.h"
 #include "platform/language.h"
 #include "view/about_zolvane.h"
 #include "view/addresses.h"
 #include "view/help.h"
+#include "view/legend_dlg.h"
 #include "view/resource_ids.h"
 #include "view/uninstall_dlg.h"
 #include "view/window_restart.h"
@@ -17,28 +19,12 @@
 namespace {
 
 // Commands whose work isn't there yet. They say so.
-constexpr unsigned kPendingCommands[] = {ID_MSI_CLEANUP,
-                                         ID_SYSTEM_RESTORE,
-                                         ID_MSCONFIG,
-                                         ID_MSINFO,
-                                         ID_ORCA,
-                                         ID_EXPORT,
-                                         ID_CHECK_VERSION,
-                                         ID_SHOW_PAD,
-                                         ID_COLOR_BACKGROUND,
-                                         ID_COLOR_LEGEND,
-                                         IDC_UNINSTALL,
-                                         IDC_MODIFY,
-                                         IDC_REPAIR,
-                                         ID_REMOVE,
-                                         ID_COPY,
-                                         ID_LAUNCH_URL,
-                                         ID_PATCHES,
-                                         ID_FEATURES,
-                                         ID_MSI_CONTENT,
-                                         ID_OPEN_WITH_ORCA,
-                                         ID_OPEN_FOLDER,
-                                         ID_SOFTWARE_CONTROL_PANEL};
+constexpr unsigned kPendingCommands[] = {
+    ID_MSI_CLEANUP, ID_SYSTEM_RESTORE, ID_MSCONFIG,      ID_MSINFO,
+    ID_ORCA,        ID_EXPORT,         ID_CHECK_VERSION, ID_SHOW_PAD,
+    IDC_UNINSTALL,  IDC_MODIFY,        IDC_REPAIR,       ID_REMOVE,
+    ID_COPY,        ID_LAUNCH_URL,     ID_PATCHES,       ID_FEATURES,
+    ID_MSI_CONTENT, ID_OPEN_WITH_ORCA, ID_OPEN_FOLDER,   ID_SOFTWARE_CONTROL_PANEL};
 
 // Items whose state depends on the machine or on the chosen package, in whatever menu they stand.
 constexpr unsigned kStatefulItems[] = {ID_SYSTEM_RESTORE, ID_MSCONFIG, ID_ORCA, ID_REMOVE};
@@ -106,6 +92,8 @@ LRESULT UninstallDlg::Command(unsigned id, unsigned code, HWND sender) {
       {IDC_MICROSOFT, kAnyCode, &UninstallDlg::microsoft_toggled},
       {IDC_GROUP, CBN_SELCHANGE, &UninstallDlg::group_chosen},
       {ID_SHOW_ALL_COLUMNS, kAnyCode, &UninstallDlg::show_all_columns},
+      {ID_COLOR_BACKGROUND, kAnyCode, &UninstallDlg::switch_colors},
+      {ID_COLOR_LEGEND, kAnyCode, &UninstallDlg::show_legend},
       {ID_SWITCH_LANGUAGE, kAnyCode, &UninstallDlg::switch_language},
       {ID_HELP_CONTENTS, kAnyCode, &UninstallDlg::show_help},
       {ID_BUG_REPORT, kAnyCode, &UninstallDlg::show_issue_tracker},
@@ -167,6 +155,16 @@ void UninstallDlg::show_box(Show show) {
   show();
 }
 
+void UninstallDlg::switch_colors() {
+  run_.colorBackground = !run_.colorBackground;
+  InvalidateRect(list_.window(), nullptr, TRUE);
+  if (!run_.noPersist) writeConfiguration(run_);
+}
+
+void UninstallDlg::show_legend() {
+  show_box([this] { LegendDlg::show(resources_, _hwnd); });
+}
+
 void UninstallDlg::show_about() {
   show_box([this] { AboutZolvaneController::show(resources_, _hwnd); });
 }
@@ -211,6 +209,9 @@ LRESULT UninstallDlg::list_notice(NMHDR& header) {
     case LVN_GETDISPINFOW:
       give_wide_text(reinterpret_cast<NMLVDISPINFOW&>(header));
       return TRUE;
+    case NM_CUSTOMDRAW:
+      return set_result(
+          painter_.draw(reinterpret_cast<NMLVCUSTOMDRAW&>(header), run_.colorBackground));
     case LVN_ITEMCHANGED:
       item_changed(reinterpret_cast<const NMLISTVIEW&>(header));
       return TRUE;

@@ -12,6 +12,7 @@
 #include "orlo/window_handles.h"
 #include "view/list_controller.h"
 #include "view/list_model.h"
+#include "view/list_painter.h"
 #include "view/package_commands.h"
 #include "view/resources.h"
 #include "view/sys_list.h"
@@ -48,6 +49,8 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   void search_changed();
   void group_chosen();
   void show_all_columns() { model_.show_all_columns(); }
+  void switch_colors();
+  void show_legend();
   void show_about();
   void show_help();
   void show_issue_tracker();
@@ -110,6 +113,7 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   ListController list_controller_;
   SysListControl list_;
   ListModel model_;
+  const ListPainter painter_;
   String url_;  ///< where the cell leads that was clicked last; empty if nowhere
 
   ORLO::CriticalSection listLock;

@@ -110,6 +110,7 @@ UninstallDlg::UninstallDlg(HWND window, std::unique_ptr<UninstallDlgPara> dialog
                        [this](POINT on_screen) { track_popup(IDM_HEADER, on_screen); }),
       list_(control(IDC_LIST)),
       model_(list_, CellTexts{resources.text(IDS_CHANGED), resources.text(IDS_NEW)}),
+      painter_(window, model_),
       currentTable(packageSchema()),
       reader_(services, [window] { PostMessageA(window, kRegistryChanged, 0, 0); }),
       cycle_({reader_, currentTable, history_, listLock, model_, *this, services.clock}) {
