@@ -147,6 +147,7 @@ void UninstallDlg::group_chosen() {
     if (!model_.selectGroup(selection_of(control(IDC_GROUP)))) return;
     SendMessageA(control(IDC_TYPE), CB_SETCURSEL, static_cast<WPARAM>(model_.type()), 0);
   });
+  redraw_list();
 }
 
 template <typename Show>
@@ -157,7 +158,7 @@ void UninstallDlg::show_box(Show show) {
 
 void UninstallDlg::switch_colors() {
   run_.colorBackground = !run_.colorBackground;
-  InvalidateRect(list_.window(), nullptr, TRUE);
+  redraw_list();
   if (!run_.noPersist) writeConfiguration(run_);
 }
 
@@ -289,6 +290,12 @@ void UninstallDlg::right_clicked() {
 void UninstallDlg::sort_by(int column) {
   const ORLO::WaitCursor wait;
   model_.sortByColumn(column);
+  redraw_list();
+}
+
+/// Colours change where lines stay as they are.
+void UninstallDlg::redraw_list() {
+  InvalidateRect(list_.window(), nullptr, TRUE);
 }
 
 CommandContext UninstallDlg::context() const {

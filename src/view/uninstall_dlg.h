@@ -69,6 +69,7 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   void double_clicked();
   void right_clicked();
   void sort_by(int column);
+  void redraw_list();
 
   uint32_t marked_id() const { return list_.id_at(list_.selection_mark()); }
   CommandContext context() const;

@@ -50,10 +50,11 @@ class UninstallDlgTest : public testing::Test {
     registry.set_text(kUninstall + key, "InstallDate", date);
   }
 
+  /// What the sender gets as an answer.
   template <typename Notice>
-  void notify(Notice& notice, NMHDR& header, HWND from, UINT code) const {
+  LRESULT notify(Notice& notice, NMHDR& header, HWND from, UINT code) const {
     header = {from, static_cast<UINT_PTR>(GetDlgCtrlID(from)), code};
-    SendMessageA(window, WM_NOTIFY, header.idFrom, reinterpret_cast<LPARAM>(&notice));
+    return SendMessageA(window, WM_NOTIFY, header.idFrom, reinterpret_cast<LPARAM>(&notice));
   }
   LPARAM id_at(int row) const {
     LVITEMA item = {};
@@ -140,6 +141,38 @@ TEST_F(UninstallDlgTest, AClickOnAnotherHeaderIsNone) {
   notice.iItem = kNameColumn;
   notify(notice, notice.hdr, window, HDN_ITEMCLICKA);
   EXPECT_EQ(header_format(kNameColumn), 0);
+}
+
+TEST_F(UninstallDlgTest, AnswersTheListsDrawingAndNobodyElses) {
+  NMLVCUSTOMDRAW drawing = {};
+  drawing.nmcd.dwDrawStage = CDDS_PREPAINT;
+  EXPECT_EQ(notify(drawing, drawing.nmcd.hdr, list, NM_CUSTOMDRAW), CDRF_NOTIFYITEMDRAW);
+  EXPECT_EQ(notify(drawing, drawing.nmcd.hdr, ListView_GetHeader(list), NM_CUSTOMDRAW), 0);
+}
+
+TEST_F(UninstallDlgTest, ColourCommandSwitchesTheDrawingAndHasTheListDrawnAnew) {
+  NMLVCUSTOMDRAW drawing = {};
+  drawing.nmcd.dwDrawStage = CDDS_PREPAINT;
+  for (const LRESULT wanted : {CDRF_DODEFAULT, CDRF_NOTIFYITEMDRAW}) {
+    ValidateRect(list, nullptr);
+    SendMessageA(window, WM_COMMAND, ID_COLOR_BACKGROUND, 0);
+    EXPECT_EQ(notify(drawing, drawing.nmcd.hdr, list, NM_CUSTOMDRAW), wanted);
+    RECT client = {};
+    RECT invalid = {};
+    GetClientRect(list, &client);
+    EXPECT_TRUE(GetUpdateRect(list, &invalid, FALSE));
+    EXPECT_TRUE(EqualRect(&invalid, &client));
+  }
+}
+
+TEST_F(UninstallDlgTest, AChosenSortColumnHasASingleLineDrawnAnew) {
+  registry.remove(kUninstall + "Alder");
+  SendMessageA(window, WM_COMMAND, IDC_REFRESH, 0);
+  ASSERT_EQ(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0), 1);
+  UpdateWindow(list);
+  ValidateRect(list, nullptr);
+  click_header(HDN_ITEMCLICKA, kNameColumn);
+  EXPECT_TRUE(GetUpdateRect(list, nullptr, FALSE));
 }
 
 TEST_F(UninstallDlgTest, TheChosenPackageMayGoAndComeBackAsAnother) {

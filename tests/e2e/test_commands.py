@@ -46,7 +46,7 @@ PACKAGE_ACTIONS = (UNINSTALL_COMMAND, MODIFY_COMMAND, REPAIR_COMMAND)
 ABOUT, SHOW_ALL_COLUMNS, BUG_REPORT, EXIT_KEY = 16, 2017, 32790, 32769
 HOME_PAGE, MAIL, OK = 1012, 1011, 1
 # What can be given at any time, and what only on a 32-bit system or with an editor for MSI files.
-PENDING = (1024, 2004, 2005, 2011, 32784, 32785, 32788, 2008, 32774)
+PENDING = (1024, 2004, 2005, 2011, 32788, 2008, 32774)
 GREY_HERE = (2007, 2006, 2014)
 # What needs something that none of these packages has.
 NEEDY = (1032, 1023, 2013, 2016)
