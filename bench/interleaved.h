@@ -11,6 +11,7 @@
 struct Candidate {
   std::string name;
   std::function<void()> run;
+  std::function<void()> prepare = nullptr;  ///< before each run, not timed; may be null
 };
 
 inline constexpr int kRuns = 9;
@@ -20,6 +21,7 @@ inline std::vector<double> interleaved_medians(const std::vector<Candidate>& can
   std::vector<std::vector<double>> times(candidates.size());
   for (int round = 0; round < kRuns; ++round) {
     for (size_t i = 0; i < candidates.size(); ++i) {
+      if (candidates[i].prepare) candidates[i].prepare();
       const auto start = std::chrono::steady_clock::now();
       candidates[i].run();
       const std::chrono::duration<double, std::milli> took =

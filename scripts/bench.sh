@@ -16,7 +16,7 @@ build() {
   cmake --preset win32
   cmake --build --preset win32 -j "$(nproc)" \
     --target zolvane registry_pass_bench calm_cycle_bench list_fill_bench line_read_bench \
-    list_model_bench
+    list_model_bench list_paint_bench
 }
 
 run_host() {
@@ -44,6 +44,7 @@ run_wine registry_pass
 run_wine calm_cycle
 run_wine line_read
 run_wine list_model
+run_wine list_paint
 run_wine list_fill 'build\win32\zolvane.exe'
 echo "bench: $(nproc) cores, load at the start $load, $(wine --version), $(uname -m)"
 "$python" scripts/bench_figures.py "$results"

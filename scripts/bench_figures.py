@@ -46,7 +46,7 @@ TARGET = (
     ("lines of 50 MB", "line_read", "floor: the same blocks", 1.2),
     ("list filling, 2,000 entries", "list_fill", "floor: bare list view, frozen", 2.0),
 )
-# The list model's own candidates in list_model.txt: title, candidate, candidate beside it, bar.
+# Files with several candidates of the program's own: title, candidate, candidate beside it, bar.
 LIST_MODEL = (
     ("first fill, 10,000 rows", "first fill", "floor: bare list for first fill", 2.0),
     ("keystroke, all of 10,000 rows match", "keystroke, all match",
@@ -55,6 +55,10 @@ LIST_MODEL = (
      "floor: bare list for 200 match", 2.0),
     ("sort of 10,000 rows by size", "sort by size", None, None),
     ("sort of 10,000 rows by program name", "sort by program name", None, None),
+)
+LIST_PAINT = (
+    ("repaint of 50 rows, search active", "coloured, search active", "floor: without colours", None),
+    ("repaint of 50 rows, no search", "coloured", "floor: without colours", None),
 )
 
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
@@ -98,9 +102,10 @@ def main():
     for title, file, beside, bar in TARGET:
         times = target_medians(folder / f"{file}.txt")
         print_row(title, times["zolvane"], beside, times[beside], bar)
-    times = target_medians(folder / "list_model.txt")
-    for title, name, beside, bar in LIST_MODEL:
-        print_row(title, times[name], beside or "", times.get(beside), bar)
+    for file, rows in (("list_model", LIST_MODEL), ("list_paint", LIST_PAINT)):
+        times = target_medians(folder / f"{file}.txt")
+        for title, name, beside, bar in rows:
+            print_row(title, times[name], beside or "", times.get(beside), bar)
     # The split of the start is text already.
     for line in (folder / "list_fill.txt").read_text().splitlines():
         if line.startswith("Process start") or line.startswith("  pass"):

@@ -199,6 +199,18 @@ TEST_F(RowColorsTest, SearchTakesWildcards) {
   EXPECT_EQ(cell(id, 0).text, kSystem.window_text);
 }
 
+TEST_F(RowColorsTest, ATextIsComposedForASearchAlone) {
+  const uint32_t asked = add("asked for");
+  const uint32_t painted = add("painted", kChangedInVersion, "whole", "Microsoft");
+  const String& composed = model_.cellText(asked, kProgramName);
+  sort_by(kVersion);
+  cell(painted, kProgramName);
+  EXPECT_STREQ(composed.c_str(), "asked for");
+  search("p");
+  cell(painted, kProgramName);
+  EXPECT_STREQ(composed.c_str(), "   painted");
+}
+
 // Background and font of changed rows
 
 TEST_F(RowColorsTest, NewRowIsYellowAndBoldAsAWhole) {

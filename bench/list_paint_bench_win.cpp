@@ -1,0 +1,98 @@
+// A full repaint of the main window's list with 50 rows in view: coloured with a search active,
+// which looks at every cell's text, and coloured without one, beside the list without colours.
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "bench/interleaved.h"
+#include "orlo/dlg_controller.h"
+#include "platform/memory_files.h"
+#include "platform/memory_registry.h"
+#include "view/resource_ids.h"
+#include "view/uninstall_dlg.h"
+
+namespace {
+
+constexpr uint16_t kEnglish = 2057;
+constexpr int kRows = 50;
+constexpr int kWidth = 1280;
+constexpr int kHeight = 1024;
+
+void seed(MemoryRegistry& registry) {
+  for (int i = 0; i < kRows; ++i) {
+    const std::u16string digits = {static_cast<char16_t>(u'0' + i / 10),
+                                   static_cast<char16_t>(u'0' + i % 10)};
+    const std::string key =
+        "HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\Bench" +
+        std::to_string(i);
+    registry.set_text(key, "DisplayName", u"Some Program " + digits);
+    registry.set_text(key, "DisplayVersion", u"1.0." + digits);
+    registry.set_text(key, "Publisher", u"Vendor " + digits);
+    registry.set_text(key, "InstallDate", u"202401" + digits);
+    registry.set_text(key, "UninstallString",
+                      u"\"C:\\Program Files\\Program\\un.exe\" /x " + digits);
+  }
+}
+
+HWND open_window(const Resources& resources, MemoryRegistry& registry, MemoryFiles& files) {
+  UninstallPara para;
+  para.noPersist = true;
+  const HWND window = ORLO::Dialog::DoModeless(
+      resources.module(), resources.dialog(IDD_MAIN), nullptr, [&](HWND made) {
+        return std::make_unique<UninstallDlg>(
+            made, std::make_unique<UninstallDlgPara>(para), resources,
+            UninstallReader::Services{registry, files, ORLO::system_clock(), false, [] {}});
+      });
+  SetWindowPos(window, nullptr, 0, 0, kWidth, kHeight, SWP_NOZORDER);
+  return window;
+}
+
+class Window {
+ public:
+  explicit Window(HWND window) : window_(window), list_(GetDlgItem(window, IDC_LIST)) {}
+
+  bool shows_all() const {
+    return SendMessageA(list_, LVM_GETITEMCOUNT, 0, 0) == kRows &&
+           SendMessageA(list_, LVM_GETCOUNTPERPAGE, 0, 0) >= kRows;
+  }
+  void bring_about(bool colored, const char* search) {
+    if (colored != colored_) SendMessageA(window_, WM_COMMAND, ID_COLOR_BACKGROUND, 0);
+    colored_ = colored;
+    SetDlgItemTextA(window_, IDC_SEARCH, search);
+    UpdateWindow(list_);
+  }
+  void repaint() const {
+    RedrawWindow(list_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
+    GdiFlush();
+  }
+  void close() const { SendMessageA(window_, WM_COMMAND, IDCANCEL, 0); }
+
+ private:
+  const HWND window_;
+  const HWND list_;
+  bool colored_ = true;
+};
+
+}  // namespace
+
+int main() {
+  InitCommonControls();
+  MemoryRegistry registry(MemoryRegistry::View::native);
+  MemoryFiles files;
+  seed(registry);
+  const Resources resources(GetModuleHandleA(nullptr), kEnglish);
+  Window window(open_window(resources, registry, files));
+  if (!window.shows_all()) {
+    std::printf("the window doesn't show %d rows\n", kRows);
+    return 1;
+  }
+  const auto candidate = [&](const char* name, bool colored, const char* search) {
+    return Candidate{name, [&] { window.repaint(); },
+                     [&window, colored, search] { window.bring_about(colored, search); }};
+  };
+  print_ratios("A full repaint of 50 rows",
+               {candidate("coloured, search active", true, "program"),
+                candidate("coloured", true, ""), candidate("floor: without colours", false, "")});
+  window.close();
+  return 0;
+}
