@@ -57,8 +57,9 @@ LIST_MODEL = (
     ("sort of 10,000 rows by program name", "sort by program name", None, None),
 )
 LIST_PAINT = (
-    ("repaint of 50 rows, search active", "coloured, search active", "floor: without colours", None),
-    ("repaint of 50 rows, no search", "coloured", "floor: without colours", None),
+    ("10 repaints of 50 rows, search active", "coloured, search active",
+     "floor: without colours", None),
+    ("10 repaints of 50 rows, no search", "coloured", "floor: without colours", None),
 )
 
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
