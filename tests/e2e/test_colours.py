@@ -149,7 +149,7 @@ class Gallery:
                        for column, look in enumerate(row))
 
         with contextlib.suppress(AssertionError):
-            eventually(all_expected, "every cell as expected", limit=15)
+            eventually(all_expected, "every cell as expected")
         return seen[-1]
 
 
