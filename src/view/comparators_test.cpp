@@ -246,4 +246,115 @@ TEST(Comparators, TreeTakesOffOnePairOfBracesOnly) {
   EXPECT_NE(compare(open, bare), 0);
 }
 
+/// Texts that a registry can hold and nobody expects.
+std::vector<String> bad_texts() {
+  static constexpr char kWithNul[] = "a\0b";
+  std::vector<String> texts = {"",
+                               "a",
+                               "A",
+                               "\xe4",
+                               "\xc4",
+                               "ss",
+                               "\xdf",
+                               "-",
+                               "--",
+                               "_",
+                               "{",
+                               "{}",
+                               "{a}",
+                               "{{a}}",
+                               "a\\b",
+                               "a\\",
+                               "\x01",
+                               "a\x01",
+                               "\xad",
+                               "a\xad",
+                               "\xa0",
+                               " ",
+                               "\xff",
+                               "\x81\x8d",
+                               "\t",
+                               "a'b",
+                               "a-b",
+                               "co-op",
+                               "coop",
+                               "(1)",
+                               "1.0",
+                               "1",
+                               "01",
+                               "1..2",
+                               ".1",
+                               "1a",
+                               "1.a",
+                               "10",
+                               "9",
+                               "4294967296",
+                               "99999999999999999999",
+                               "-1",
+                               "+1",
+                               "1 ",
+                               "%s%n",
+                               "*?"};
+  texts.emplace_back(kWithNul, kWithNul + 3);
+  texts.emplace_back(std::string(255, 'z').c_str());
+  texts.emplace_back(std::string(255, '{').c_str());
+  texts.emplace_back(std::string(1 << 16, '(').c_str());
+  return texts;
+}
+
+std::vector<Entry> bad_entries() {
+  static constexpr String Entry::*kTexts[] = {
+      &Entry::name,          &Entry::source,      &Entry::displayName,     &Entry::displayVersion,
+      &Entry::parent,        &Entry::parentName,  &Entry::uninstallCmd,    &Entry::modifyCmd,
+      &Entry::installerPath, &Entry::displayIcon, &Entry::installLocation, &Entry::packagePath,
+      &Entry::comments,      &Entry::user,        &Entry::publisher,       &Entry::contact,
+      &Entry::helpURL,       &Entry::helpPhone,   &Entry::aboutURL,        &Entry::updateURL};
+  const std::vector<String> texts = bad_texts();
+  std::vector<Entry> entries;
+  for (size_t i = 0; i < texts.size(); ++i) {
+    Entry entry;
+    for (String Entry::*const field : kTexts)
+      entry.*field = texts[i];
+    const auto number = static_cast<uint16_t>(i);
+    entry.installDateValue.time = {2000, static_cast<uint16_t>(number % 15), 0, number, 0, 0, 0, 0};
+    entry.uninstallDateValue.time = {static_cast<uint16_t>(1600 + number % 3), 1, 0, 1, 0, 0, 0, 0};
+    entry.lastUseDateValue.time = {static_cast<uint16_t>(65500 + i), 1, 0, 1, 25, 0, 0, 0};
+    const int32_t extremes[] = {std::numeric_limits<int32_t>::min(), -1, 0, 1,
+                                std::numeric_limits<int32_t>::max()};
+    entry.size = entry.OK = entry.features = entry.patches = entry.is64Bit = entry.systemComponent =
+        entry.frequency = entry.changed = extremes[i % 5];
+    entries.push_back(entry);
+    // A sub package without a name of its own.
+    entry.displayName = entry.parentName = "";
+    entry.name = "x";
+    entries.push_back(entry);
+  }
+  return entries;
+}
+
+TEST(Comparators, AgreeWithThemselvesWhateverTheTexts) {
+  const std::vector<Entry> entries = bad_entries();
+  const size_t count = entries.size();
+  for (int column = 0; column < comparatorCount; ++column) {
+    SCOPED_TRACE(column);
+    std::vector<std::vector<int>> order(count, std::vector<int>(count));
+    for (size_t a = 0; a < count; ++a) {
+      for (size_t b = 0; b < count; ++b)
+        order[a][b] = sign(comparator(column)(entries[a], entries[b]));
+    }
+    for (size_t a = 0; a < count; ++a) {
+      ASSERT_EQ(order[a][a], 0) << a;
+      for (size_t b = 0; b < count; ++b) {
+        ASSERT_EQ(order[a][b], -order[b][a]) << a << " and " << b;
+        for (size_t c = 0; c < count; ++c) {
+          const bool in_a_row = order[a][b] <= 0 && order[b][c] <= 0;
+          ASSERT_TRUE(!in_a_row || order[a][c] <= 0) << a << ", " << b << " and " << c;
+          ASSERT_TRUE(!in_a_row || order[a][c] == 0 || order[a][b] != 0 || order[b][c] != 0)
+              << a << ", " << b << " and " << c;
+        }
+      }
+    }
+  }
+}
+
 }  // namespace
