@@ -158,11 +158,12 @@ soak_e2e() {
 }
 
 # What the end-to-end tests do ten or fifty times, two hundred and five hundred times, with a
-# histogram of where the closes have hit; and a line of 200 MB.
+# histogram of where the closes have hit; a line of 200 MB; and the list model through random steps.
 soak_life() {
   cmake --preset host
-  cmake --build --preset host -j "$(nproc)" --target orlo_tests
+  cmake --build --preset host -j "$(nproc)" --target orlo_tests view_tests
   ZOLVANE_LONG_LINE_MB=200 build/host/orlo_tests --gtest_filter='*AHugeLine*'
+  ZOLVANE_RANDOM_RUNS=100000 build/host/view_tests --gtest_filter='ListModel.*Whatever*'
   cmake --preset win32
   cmake --build --preset win32 -j "$(nproc)" \
     --target zolvane zolvane-held zolvane-driver zolvane-probe

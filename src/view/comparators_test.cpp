@@ -232,18 +232,28 @@ TEST(Comparators, TreePutsSubPackagesBehindTheirParent) {
 }
 
 TEST(Comparators, TreeTakesOffOnePairOfBracesOnly) {
-  Entry twice;
-  twice.name = "{{a}}";
-  Entry once;
-  once.name = "{a}";
-  Entry bare;
-  bare.name = "a";
-  Entry open;
-  open.name = "{a";
+  const auto named = [](const char* name) {
+    Entry entry;
+    entry.name = name;
+    return entry;
+  };
   const Compare compare = comparator(kTreeColumn);
-  EXPECT_EQ(compare(once, bare), 0);
-  EXPECT_NE(compare(twice, bare), 0);
-  EXPECT_NE(compare(open, bare), 0);
+  EXPECT_EQ(compare(named("{ab}"), named("ab")), 0);
+  EXPECT_NE(compare(named("{{ab}}"), named("ab")), 0);
+  EXPECT_NE(compare(named("{{ab}}"), named("{ab}")), 0);
+  // A brace on one side is none, nor is a pair around nothing.
+  EXPECT_NE(compare(named("{ab"), named("a")), 0);
+  EXPECT_NE(compare(named("ab}"), named("b")), 0);
+  EXPECT_NE(compare(named("{}"), named("")), 0);
+}
+
+TEST(Comparators, TreePutsABackslashBetweenParentAndSubPackage) {
+  Entry whole;
+  whole.name = "a\\x";
+  Entry part;
+  part.name = "{x}";
+  part.parent = "{a}";
+  EXPECT_EQ(comparator(kTreeColumn)(whole, part), 0);
 }
 
 /// Texts that a registry can hold and nobody expects.

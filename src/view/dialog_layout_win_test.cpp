@@ -244,6 +244,72 @@ INSTANTIATE_TEST_SUITE_P(Resources, EveryDialog,
                                          std::pair{kEnglish, 168u}, std::pair{kGerman, 168u}),
                          name_of);
 
+// What every template tells of its window, in dialog units and points.
+struct Heading {
+  unsigned id;
+  int width;
+  int height;
+  const char* english;
+  const char* german;
+};
+
+constexpr Heading kHeadings[] = {
+    {IDD_ABOUT, 211, 66, "Info about Zolvane", "Info \374ber Zolvane"},
+    {IDD_MAIN, 360, 153, "Zolvane", "Zolvane"},
+    {IDD_FEATURES, 318, 134, "Zolvane - Package Features", "Zolvane - Paket-Features"},
+    {IDD_LEGEND, 180, 87, "Color Legend", "Farblegende"},
+    {IDD_MSI_CONTENT, 318, 134, "Zolvane - MSI Content", "Zolvane - MSI-Inhalt"},
+    {IDD_PATCHES, 231, 122, "Zolvane - Patches", "Zolvane - Patches"},
+    {IDD_DOWNLOAD, 244, 53, "Update Download", "Update-Download"},
+};
+
+/// Reads an extended dialog template from its start.
+class TemplateReader {
+ public:
+  explicit TemplateReader(const void* data) : at_(static_cast<const uint16_t*>(data)) {}
+
+  void skip(int units) { at_ += units; }
+  int unit() { return *at_++; }
+  /// A text, or the number behind 0xffff as an empty one.
+  std::wstring text() {
+    if (*at_ == 0xffff) {
+      skip(2);
+      return {};
+    }
+    std::wstring read;
+    while (const int next = unit())
+      read += static_cast<wchar_t>(next);
+    return read;
+  }
+
+ private:
+  const uint16_t* at_;
+};
+
+TEST(EveryTemplate, HasItsSizeAndTheOneFont) {
+  for (const Heading& heading : kHeadings) {
+    for (const uint16_t language : kLanguages) {
+      SCOPED_TRACE(std::to_string(heading.id) + " in " + std::to_string(language));
+      TemplateReader reader(Resources(GetModuleHandleA(nullptr), language).dialog(heading.id));
+      EXPECT_EQ(reader.unit(), 1);
+      EXPECT_EQ(reader.unit(), 0xffff);
+      // Help id, both styles, the number of controls, left and top.
+      reader.skip(9);
+      EXPECT_EQ(reader.unit(), heading.width);
+      EXPECT_EQ(reader.unit(), heading.height);
+      // Menu, class and title.
+      for (int i = 0; i < 3; ++i)
+        reader.text();
+      EXPECT_EQ(reader.unit(), 8);
+      // Weight and slant.
+      reader.skip(2);
+      EXPECT_EQ(reader.text(), L"MS Sans Serif");
+      const LaidOut dialog(language, heading.id);
+      EXPECT_EQ(text_of(dialog.window()), language == kEnglish ? heading.english : heading.german);
+    }
+  }
+}
+
 TEST(AboutTemplate, HasItsTitleAndLinks) {
   const LaidOut english(kEnglish, IDD_ABOUT);
   const LaidOut german(kGerman, IDD_ABOUT);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <iterator>
 #include <map>
 #include <random>
@@ -247,9 +248,10 @@ class RandomRun {
 };
 
 TEST(ListModel, DoesAsAPlainModelWouldWhateverComes) {
-  constexpr unsigned kRuns = 60;
+  const char* const wanted = std::getenv("ZOLVANE_RANDOM_RUNS");
+  const unsigned long runs = wanted != nullptr ? std::strtoul(wanted, nullptr, 10) : 60;
   constexpr int kSteps = 150;
-  for (unsigned seed = 0; seed < kRuns; ++seed) {
+  for (unsigned seed = 0; seed < runs; ++seed) {
     RandomRun run(seed);
     for (int step = 0; step < kSteps; ++step) {
       SCOPED_TRACE(String::formatted("seed %d, step %d", static_cast<int>(seed), step).c_str());
