@@ -11,7 +11,6 @@ from support.registry import Key, Usage
 from support.samples import file_time
 
 QUIET = ("-nopersist", "-noupdate")
-LVM_SCROLL = 0x1000 + 20
 SHOW_ALL_COLUMNS = 2017
 NAME_COLUMN, DATE_COLUMN = 0, 6
 
@@ -79,25 +78,6 @@ class Opened:
         """What the rows are sorted by, from the top."""
         return [key(self.by_name[name]) for name in self.names()]
 
-    def click_header(self, column, shift=-3):
-        """`shift`: a second click at the very same place would count as a double click."""
-        program = self.program
-        left, _, right, _ = program.control(LIST)["screen"]
-        middle = sum(self.header(column)[::2]) // 2
-        if not left + 20 < middle < right - 20:
-            program.send_to(LIST, LVM_SCROLL, middle - (left + right) // 2)
-        header = self.header(column)
-        program.activate()
-        self.desk.screen.click((header[0] + header[2]) // 2 + shift,
-                               (header[1] + header[3]) // 2)
-
-    def header(self, column):
-        return self.program.ask("header-rect", LIST, column)["screen"]
-
-    def arrows(self):
-        return {number: column["arrow"] for number, column in enumerate(self.program.columns())
-                if column["arrow"]}
-
 
 @pytest.fixture(scope="module")
 def opened(make_desk):
@@ -119,7 +99,7 @@ def test_every_two_rules_disagree_about_some_rows(opened):
 def test_it_starts_with_the_newest_and_without_an_arrow(opened):
     values = opened.values(orders.KEYS[DATE_COLUMN])
     assert values == sorted(values, reverse=True)
-    assert opened.arrows() == {}
+    assert opened.program.arrows() == {}
 
 
 @pytest.mark.parametrize("column", range(orders.COLUMNS))
@@ -127,14 +107,14 @@ def test_a_click_sorts_and_the_next_one_turns_it(opened, column):
     opened.program.choose_row(column % len(KEYS))
     chosen = opened.program.chosen_row()
     key = orders.KEYS.get(column)
-    opened.click_header(column)
-    eventually(lambda: opened.arrows() == {column: "down"},
-               lambda: f"the arrow of the natural order, not {opened.arrows()}")
+    opened.program.click_header(column)
+    eventually(lambda: opened.program.arrows() == {column: "down"},
+               lambda: f"the arrow of the natural order, not {opened.program.arrows()}")
     assert key is None or opened.values(key) == sorted(map(key, opened.by_name.values()))
     assert opened.program.chosen_row() == chosen
-    opened.click_header(column, shift=3)
-    eventually(lambda: opened.arrows() == {column: "up"},
-               lambda: f"the arrow of the reverse order, not {opened.arrows()}")
+    opened.program.click_header(column, shift=3)
+    eventually(lambda: opened.program.arrows() == {column: "up"},
+               lambda: f"the arrow of the reverse order, not {opened.program.arrows()}")
     assert key is None or opened.values(key) == sorted(map(key, opened.by_name.values()),
                                                        reverse=True)
     assert opened.program.chosen_row() == chosen
@@ -144,11 +124,11 @@ def test_a_click_sorts_and_the_next_one_turns_it(opened, column):
 def test_the_chosen_row_is_scrolled_to(opened):
     program = opened.program
     program.ask("move", 50, 50, *program.ask("min-size"))
-    opened.click_header(NAME_COLUMN)
-    eventually(lambda: NAME_COLUMN in opened.arrows(), "sorted by name")
+    opened.program.click_header(NAME_COLUMN)
+    eventually(lambda: NAME_COLUMN in opened.program.arrows(), "sorted by name")
     program.choose_row(0)
     chosen = program.chosen_row()
-    opened.click_header(NAME_COLUMN, shift=3)
+    opened.program.click_header(NAME_COLUMN, shift=3)
     eventually(lambda: opened.names().index(chosen) > 0, "the row has gone to the other end")
     row = opened.names().index(chosen)
     _, top, _, bottom = program.ask("list-cell-rect", LIST, row, 2)["screen"]
@@ -158,8 +138,8 @@ def test_the_chosen_row_is_scrolled_to(opened):
 
 def test_filter_and_refresh_keep_the_order(opened):
     program, column = opened.program, 24
-    opened.click_header(column)
-    eventually(lambda: opened.arrows() == {column: "down"}, "sorted by publisher")
+    opened.program.click_header(column)
+    eventually(lambda: opened.program.arrows() == {column: "down"}, "sorted by publisher")
     key = orders.KEYS[column]
     program.select_type(0)
     shown = opened.values(key)
@@ -171,7 +151,7 @@ def test_filter_and_refresh_keep_the_order(opened):
     program.ask("command", REFRESH)
     program.wait_filled(len(KEYS))
     assert opened.values(key) == wanted
-    assert opened.arrows() == {column: "down"}
+    assert opened.program.arrows() == {column: "down"}
 
 
 def test_grouping_sorts_sub_packages_below_their_parents(opened):
@@ -180,7 +160,7 @@ def test_grouping_sorts_sub_packages_below_their_parents(opened):
     program.select_type(0)
     program.ask("combo-select", GROUP, 1)
     assert program.ask("combo", TYPE)["selected"] == 1
-    assert opened.arrows() == {}
+    assert opened.program.arrows() == {}
     shown = opened.values(orders.tree)
     assert shown == sorted(shown) and any((False, "\\") in text for text, _ in shown)
     count = len(shown)

@@ -101,6 +101,24 @@ class Program:
     def columns(self):
         return self.ask("list-columns", LIST)
 
+    def arrows(self):
+        """The columns whose header shows an arrow, with its direction."""
+        return {number: column["arrow"] for number, column in enumerate(self.columns())
+                if column["arrow"]}
+
+    def _header(self, column):
+        return self.ask("header-rect", LIST, column)["screen"]
+
+    def click_header(self, column, shift=-3):
+        """`shift`: a second click at the very same place would count as a double click."""
+        left, _, right, _ = self.control(LIST)["screen"]
+        middle = sum(self._header(column)[::2]) // 2
+        if not left + 20 < middle < right - 20:
+            self.send_to(LIST, 0x1014, middle - (left + right) // 2)  # LVM_SCROLL
+        header = self._header(column)
+        self.activate()
+        self._screen.click((header[0] + header[2]) // 2 + shift, (header[1] + header[3]) // 2)
+
     def wait_for_status(self, text):
         seen = []
 
