@@ -200,24 +200,55 @@ void post_to_thread(const Words& words, Json& answer) {
   answer.boolean(true);
 }
 
+/// Microseconds since it was made.
+class Stopwatch {
+ public:
+  Stopwatch() {
+    QueryPerformanceFrequency(&frequency_);
+    QueryPerformanceCounter(&start_);
+  }
+  int64_t microseconds() const {
+    LARGE_INTEGER now{};
+    QueryPerformanceCounter(&now);
+    return (now.QuadPart - start_.QuadPart) * 1000000 / frequency_.QuadPart;
+  }
+
+ private:
+  LARGE_INTEGER frequency_{};
+  LARGE_INTEGER start_{};
+};
+
 /// ping WINDOW TIMES LIMIT: for each time the microseconds until the window has answered.
 void ping(const Words& words, Json& answer) {
   const HWND window = window_at(words, 1);
-  LARGE_INTEGER frequency{};
-  QueryPerformanceFrequency(&frequency);
   answer.begin_array();
   for (int64_t i = 0; i < words.number(2); ++i) {
-    LARGE_INTEGER start{};
-    LARGE_INTEGER end{};
-    QueryPerformanceCounter(&start);
+    const Stopwatch watch;
     if (SendMessageTimeoutA(window, WM_NULL, 0, 0, SMTO_NORMAL, static_cast<UINT>(words.number(3)),
                             nullptr) == 0) {
       throw Refusal("no answer within the limit");
     }
-    QueryPerformanceCounter(&end);
-    answer.number((end.QuadPart - start.QuadPart) * 1000000 / frequency.QuadPart);
+    answer.number(watch.microseconds());
   }
   answer.end_array();
+}
+
+/// send-timed WINDOW MESSAGE WPARAM LPARAM: the microseconds until the message has been handled,
+/// and until all of the dialog around the window has been drawn anew.
+void send_timed(const Words& words, Json& answer) {
+  const HWND window = window_at(words, 1);
+  const HWND dialog = GetAncestor(window, GA_ROOT);
+  const Stopwatch watch;
+  send_limited(window, static_cast<UINT>(words.number(2)), static_cast<WPARAM>(words.number(3)),
+               static_cast<LPARAM>(words.number(4)));
+  const int64_t handled = watch.microseconds();
+  RedrawWindow(dialog, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+  const int64_t drawn = watch.microseconds();
+  for (HWND child = GetWindow(dialog, GW_CHILD); child != nullptr;
+       child = GetWindow(child, GW_HWNDNEXT)) {
+    if (GetUpdateRect(child, nullptr, FALSE)) throw Refusal("a control has not been drawn");
+  }
+  answer.begin_array().number(handled).number(drawn).end_array();
 }
 
 constexpr Command kCommands[] = {
@@ -234,6 +265,7 @@ constexpr Command kCommands[] = {
     {"post-thread", post_to_thread},
     {"in-menu", is_in_menu},
     {"ping", ping},
+    {"send-timed", send_timed},
 };
 
 }  // namespace
