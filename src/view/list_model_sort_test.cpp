@@ -235,6 +235,17 @@ TEST_F(ListModelSortTest, RowThatWasChosenButNotSelectedStaysSo) {
   EXPECT_EQ(list_.mark, 2);
 }
 
+TEST_F(ListModelSortTest, MarkBeyondTheLastLineIsNone) {
+  apply_three();
+  list_.mark = 3;
+  model_.rebuildList();
+  EXPECT_EQ(list_.mark, -1);
+  list_.mark = 3;
+  list_.told();
+  model_.sortByColumn(kPublisher);
+  EXPECT_EQ(list_.told(), (Told{"arrow 24 down", "sort"}));
+}
+
 TEST_F(ListModelSortTest, EmptyResultIsTold) {
   apply_three();
   EXPECT_EQ(model_.searchChanged("nothing like this"), 0u);

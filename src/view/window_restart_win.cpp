@@ -14,9 +14,10 @@ void keep_window_place(HWND window, String& windowPos) {
 }
 
 String WindowRestart::program_path() {
-  // A longer path is cut: nothing starts, and the program goes on in its language.
-  char path[MAX_PATH] = {};
-  GetModuleFileNameA(nullptr, path, MAX_PATH - 1);
+  // A longer path is cut, by some systems without a NUL: nothing starts, and the program goes on in
+  // its language.
+  char path[MAX_PATH + 1] = {};
+  GetModuleFileNameA(nullptr, path, MAX_PATH);
   return String(path);
 }
 

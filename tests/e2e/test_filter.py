@@ -4,10 +4,12 @@ import itertools
 
 import pytest
 
+from conftest import BINARIES
 from support import filters, rules
 from support.filter_samples import KEYS, SEARCHES, USAGES
+from support.held import HeldDesk
 from support.program import ALL_PACKAGES, MICROSOFT, REFRESH, SEARCH, STATUS, TYPE, eventually
-from support.registry import SZ, UNINSTALL
+from support.registry import SZ, UNINSTALL, Key
 from support.watching import shows_by_itself
 
 QUIET = ("-nopersist", "-noupdate")
@@ -160,3 +162,41 @@ def test_what_comes_later_passes_the_filter_too(opened):
             opened.desk.driver("reg-delete", "HKCU", 64, f"Software\\{UNINSTALL}\\{name}")
         status = f"{len(before)} / {total} packages"
         shows_by_itself(opened.desk, "user", lambda: program.status() == status, status)
+
+
+# Each place has one, so a pass reads three sources.
+FEW = [Key(place, name, {"DisplayName": name, "Publisher": publisher})
+       for place, name, publisher in (("local", "quarry b", "2"), ("local64", "other", "1"),
+                                      ("user", "quarry d", "4"))]
+
+
+def test_a_change_during_a_pass_takes_effect_at_once_and_what_comes_later_passes_it(make_desk):
+    with make_desk(FEW) as desk:
+        held = HeldDesk(desk, BINARIES / "zolvane-held.exe")
+        program = held.start("hold@source4")
+        program.wait_filled(len(FEW))
+        program.click_header(24)
+        eventually(lambda: program.arrows() == {24: "down"}, "sorted by publisher")
+        assert program.column(0) == ["other", "quarry b", "quarry d"]
+        program.choose_row(2)
+        desk.driver("reg-delete", "HKLM", 32, f"Software\\{UNINSTALL}\\quarry b")
+        held.reached()
+        program.ask("set-text", SEARCH, "quarry")
+        assert program.column(0) == ["quarry b", "quarry d"]
+        assert program.status() == "2 / 3 packages"
+        program.click_header(24, shift=3)
+        eventually(lambda: program.arrows() == {24: "up"}, "turned")
+        assert program.column(0) == ["quarry d", "quarry b"]
+        for name, publisher in (("quarry c", "3"), ("late", "5"), ("quarry e", "5")):
+            for value, text in (("Publisher", publisher), ("DisplayName", name)):
+                desk.driver("reg-set", "HKCU", 64, f"Software\\{UNINSTALL}\\{name}", value, SZ,
+                            text.encode() + b"\0")
+        held.go()
+        shows_by_itself(desk, "user", lambda: program.status() == "3 / 5 packages",
+                        "what the pass has found")
+        assert program.column(0) == ["quarry e", "quarry d", "quarry c"]
+        assert program.chosen_row() == "quarry d"
+        program.ask("set-text", SEARCH, "")
+        assert program.column(0) == ["late", "quarry e", "quarry d", "quarry c", "other"]
+        assert program.close() == 0
+        held.end_programs()

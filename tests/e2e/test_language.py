@@ -12,6 +12,8 @@ from support.registry import Key
 SWITCH_LANGUAGE = 32
 COMMAND_LABEL = 1012
 WM_COMMAND = 0x111
+# MAX_PATH without the NUL.
+LONGEST_PATH = 259
 SW_MAXIMIZE, SW_RESTORE = 3, 9
 
 KEYS = [Key("user", "Only", {"DisplayName": "Only"})]
@@ -191,6 +193,17 @@ def test_it_restarts_from_a_folder_with_a_blank(english_desk, make_restarting):
     german = restarting.switch(program)
     german.wait_for_status(FILLED["german"])
     assert restarting.driver("processes", decoy.name) == []
+    assert german.close() == 0
+
+
+def test_it_restarts_from_the_longest_path_that_there_is(english_desk, make_restarting):
+    around = len("Z:" + str(english_desk.prefix.folder / "drive_c") + "//zolvane.exe")
+    path = put_into(english_desk, "x" * (LONGEST_PATH - around))
+    restarting = make_restarting(english_desk, path)
+    program = restarting.open()
+    program.wait_for_status(FILLED["english"])
+    german = restarting.switch(program)
+    german.wait_for_status(FILLED["german"])
     assert german.close() == 0
 
 
