@@ -149,6 +149,20 @@ TEST_F(SysListControlTest, FreezingNestsAndEndsWithOneRedraw) {
   DestroyWindow(parent);
 }
 
+TEST_F(SysListControlTest, ThawingInvalidatesAControlThatDoesNotDoSoItself) {
+  ORLO::Window::Setup setup;
+  setup.style = WS_POPUP | WS_VISIBLE;
+  setup.place = {0, 0, 100, 100};
+  const HWND stand_in = ORLO::Window::create(
+      setup, [](HWND made) { return std::make_unique<ORLO::Controller>(made); });
+  SysListControl control(stand_in);
+  ValidateRect(stand_in, nullptr);
+  ASSERT_FALSE(GetUpdateRect(stand_in, nullptr, FALSE));
+  { const FrozenRedraw frozen(control); }
+  EXPECT_TRUE(GetUpdateRect(stand_in, nullptr, FALSE));
+  DestroyWindow(stand_in);
+}
+
 TEST_F(SysListControlTest, RedrawOfOneRowInvalidatesIt) {
   list->add_column(0, "Name", 120, ListControl::Align::left);
   fill(2);
@@ -233,6 +247,9 @@ TEST_F(SysListControlTest, ChosenLineHasItsStateAndTheMark) {
   EXPECT_EQ(list->state(1), 0u);
   list->select(2, 0);
   EXPECT_EQ(list->state(2), 0u);
+  // The mark is apart from the state.
+  list->select(3, 0);
+  EXPECT_EQ(list->selection_mark(), 3);
 }
 
 TEST_F(SysListControlTest, LineOfAGroupIsALineLikeOthersWhileGroupsAreOff) {
@@ -245,7 +262,7 @@ TEST_F(SysListControlTest, LineOfAGroupIsALineLikeOthersWhileGroupsAreOff) {
   EXPECT_EQ(text_at(0), "a");
 }
 
-/// Stands where a list view would stand and keeps what it is sent about groups.
+/// Stands where a list view would stand and keeps what it is sent about groups and lines.
 struct GroupMessages : public ORLO::Controller {
   struct Kept {
     std::vector<std::pair<UINT, WPARAM>> messages;
@@ -255,6 +272,7 @@ struct GroupMessages : public ORLO::Controller {
     int id = 0;
     UINT item_mask = 0;
     int item_group = 0;
+    int item_image = -1;
   };
   GroupMessages(HWND window, Kept& kept) : Controller(window), kept_(kept) {}
   LRESULT WndProc(UINT message, WPARAM wparam, LPARAM lparam) override {
@@ -272,6 +290,7 @@ struct GroupMessages : public ORLO::Controller {
       const auto& row = *reinterpret_cast<const LVITEMA*>(lparam);
       kept_.item_mask = row.mask;
       kept_.item_group = row.iGroupId;
+      kept_.item_image = row.iImage;
     }
     return Controller::WndProc(message, wparam, lparam);
   }
@@ -302,7 +321,9 @@ TEST_F(SysListControlTest, TellsTheControlOfItsGroups) {
   control.insert_item(0, {"a", 1, 0, 101});
   EXPECT_TRUE(kept.item_mask & LVIF_GROUPID);
   EXPECT_EQ(kept.item_group, 101);
-  control.insert_item(0, {"a", 1});
+  control.insert_item(0, {"a", 1, 7});
+  EXPECT_TRUE(kept.item_mask & LVIF_IMAGE);
+  EXPECT_EQ(kept.item_image, 7);
   EXPECT_FALSE(kept.item_mask & LVIF_GROUPID);
   DestroyWindow(stand_in);
 }
