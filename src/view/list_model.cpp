@@ -147,17 +147,17 @@ void ListModel::sort_list() {
   shown_.restore(mark);
 }
 
-bool ListModel::selectGroup(int index) {
+std::optional<size_t> ListModel::selectGroup(int index) {
   groupMode_ = index;
   if (groupMode_ != 0 && sort_.arrowShown) {
     list_.set_sort_arrow(sort_.column, ListControl::SortArrow::none);
   }
   set_group_view();
-  const bool needs_sub_packages = groupMode_ != 0 && !flags_.showSubPackages;
-  if (needs_sub_packages) selectType(kTypeSubPackages);
+  std::optional<size_t> shown;
+  if (groupMode_ != 0 && !flags_.showSubPackages) shown = selectType(kTypeSubPackages);
   sort_.choose(kTreeColumn);
   sort_list();
-  return needs_sub_packages;
+  return shown;
 }
 
 void ListModel::set_group_view() {

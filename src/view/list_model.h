@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 
 #include "inventory/refresh_cycle.h"
 #include "persist/image_index_map.h"
@@ -37,9 +38,9 @@ class ListModel : public InventoryView {
 
   /// The user chose a column's header.
   void sortByColumn(int column);
-  /// 0 is no grouping. True if the type selection had to change, to show sub packages; the list
-  /// has been rebuilt then.
-  bool selectGroup(int index);
+  /// 0 is no grouping. Where the type selection had to change, to show sub packages, the list has
+  /// been rebuilt, and the result is the number of rows that are shown now.
+  std::optional<size_t> selectGroup(int index);
   /// Tells the control once more how it is grouped.
   void set_group_view();
   /// Gives hidden columns a width.

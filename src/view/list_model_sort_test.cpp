@@ -272,6 +272,17 @@ TEST_F(ListModelSortTest, GroupingShowsSubPackagesInTreeOrderUnderOneHeading) {
   EXPECT_EQ(model_.sort_state().descending, 0);
 }
 
+TEST_F(ListModelSortTest, UngroupingLeavesTheTypeAloneAndSortsByTheTree) {
+  apply("b", "");
+  Entry part = make_entry("x");
+  part.parent = "a";
+  model_.applyEntry(part);
+  apply("a", "");
+  EXPECT_FALSE(model_.selectGroup(0));
+  EXPECT_EQ(model_.type(), kTypeNormal);
+  EXPECT_EQ(list_.texts(), (Names{"a", "b"}));
+}
+
 TEST_F(ListModelSortTest, GroupingAgainTurnsTheDirection) {
   apply_three();
   model_.selectType(kTypeAll);

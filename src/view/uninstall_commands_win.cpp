@@ -1,6 +1,7 @@
 // What the user can do in the main window: commands, notices of the list, menus.
 #include <algorithm>
 #include <iterator>
+#include <optional>
 #include <string>
 
 #include "orlo/hyperlink.h"
@@ -65,7 +66,8 @@ int selection_of(HWND combo) {
 
 template <typename Item>
 bool asks_for_text(const Item& item) {
-  return (item.mask & LVIF_TEXT) != 0 && item.pszText != nullptr && item.cchTextMax > 0;
+  return (item.mask & LVIF_TEXT) != 0 && item.iSubItem < kListColumns && item.pszText != nullptr &&
+         item.cchTextMax > 0;
 }
 
 void gray(HMENU menu, unsigned item, bool grayed) {
@@ -114,38 +116,41 @@ LRESULT UninstallDlg::Command(unsigned id, unsigned code, HWND sender) {
 
 template <typename Change>
 void UninstallDlg::change_list(Change change) {
+  std::optional<size_t> shown;
   {
     const HeldWithMessages held(listLock);
-    if (!held) return;
-    change();
+    if (held) shown = change();
+    if (!shown) return;
     show_counts();
   }
-  if (list_.count() > 0) return;
+  if (*shown > 0) return;
   para_.current = 0;
   CanClose(false);
 }
 
 void UninstallDlg::type_chosen() {
-  change_list([this] { model_.selectType(selection_of(control(IDC_TYPE))); });
+  change_list([this] { return model_.selectType(selection_of(control(IDC_TYPE))); });
 }
 
 void UninstallDlg::microsoft_toggled() {
-  change_list(
-      [this] { model_.toggleMicrosoft(IsDlgButtonChecked(_hwnd, IDC_MICROSOFT) == BST_CHECKED); });
+  change_list([this] {
+    return model_.toggleMicrosoft(IsDlgButtonChecked(_hwnd, IDC_MICROSOFT) == BST_CHECKED);
+  });
 }
 
 void UninstallDlg::search_changed() {
   change_list([this] {
     run_.searchText = ORLO::window_text(control(IDC_SEARCH));
-    model_.searchChanged(run_.searchText);
+    return model_.searchChanged(run_.searchText);
   });
 }
 
 void UninstallDlg::group_chosen() {
   const ORLO::WaitCursor wait;
   change_list([this] {
-    if (!model_.selectGroup(selection_of(control(IDC_GROUP)))) return;
-    SendMessageA(control(IDC_TYPE), CB_SETCURSEL, static_cast<WPARAM>(model_.type()), 0);
+    const std::optional<size_t> shown = model_.selectGroup(selection_of(control(IDC_GROUP)));
+    if (shown) SendMessageA(control(IDC_TYPE), CB_SETCURSEL, static_cast<WPARAM>(model_.type()), 0);
+    return shown;
   });
   redraw_list();
 }

@@ -57,7 +57,8 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   void switch_language();
   /// Says of a command that its work isn't there yet.
   void tell_pending(unsigned command);
-  /// Makes a change of what the list shows, once nobody else works on the list, and tells of it.
+  /// Makes a change of what the list shows, once nobody else works on the list. `change` gives the
+  /// number of rows that are shown now, which is told of, or nothing if the rows are the same.
   template <typename Change>
   void change_list(Change change);
 

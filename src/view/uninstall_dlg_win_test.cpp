@@ -125,6 +125,21 @@ TEST_F(UninstallDlgTest, ARequestWithoutRoomOrForAnotherThingIsLeftAlone) {
   request.item.cchTextMax = 0;
   notify(request, request.hdr, list, LVN_GETDISPINFOA);
   EXPECT_STREQ(narrow, "#");
+  request.item.cchTextMax = 1;
+  request.item.iSubItem = kListColumns;
+  notify(request, request.hdr, list, LVN_GETDISPINFOA);
+  EXPECT_STREQ(narrow, "#");
+}
+
+TEST_F(UninstallDlgTest, ACellOfAPackageThatHasGoneIsEmpty) {
+  char narrow[] = "#";
+  NMLVDISPINFOA request = {};
+  request.item.mask = LVIF_TEXT;
+  request.item.pszText = narrow;
+  request.item.cchTextMax = sizeof narrow;
+  request.item.lParam = 4711;
+  notify(request, request.hdr, list, LVN_GETDISPINFOA);
+  EXPECT_STREQ(narrow, "");
 }
 
 TEST_F(UninstallDlgTest, TakesAHeadersClickInBothForms) {
@@ -199,6 +214,24 @@ TEST_F(UninstallDlgTest, CombosHearOnlyOfAChoice) {
   SendMessageA(window, WM_COMMAND, MAKEWPARAM(IDC_TYPE, CBN_SELCHANGE),
                reinterpret_cast<LPARAM>(types));
   EXPECT_STREQ(text_of(IDC_STATUS).c_str(), "2 / 2 packages");
+}
+
+TEST_F(UninstallDlgTest, CountsAreToldOnlyWhenTheListIsFilledAnew) {
+  const HWND groups = GetDlgItem(window, IDC_GROUP);
+  const auto group = [&](int index) {
+    SetDlgItemTextA(window, IDC_STATUS, "untouched");
+    SendMessageA(groups, CB_SETCURSEL, static_cast<WPARAM>(index), 0);
+    SendMessageA(window, WM_COMMAND, MAKEWPARAM(IDC_GROUP, CBN_SELCHANGE),
+                 reinterpret_cast<LPARAM>(groups));
+    return text_of(IDC_STATUS);
+  };
+  EXPECT_STREQ(group(0).c_str(), "untouched");
+  // To show sub packages, too.
+  EXPECT_STREQ(group(1).c_str(), "2 / 2 packages");
+  EXPECT_EQ(SendMessageA(GetDlgItem(window, IDC_TYPE), CB_GETCURSEL, 0, 0), 1);
+  EXPECT_STREQ(group(2).c_str(), "untouched");
+  click_header(HDN_ITEMCLICKA, kNameColumn);
+  EXPECT_STREQ(text_of(IDC_STATUS).c_str(), "untouched");
 }
 
 }  // namespace
