@@ -187,14 +187,19 @@ def test_a_change_during_a_pass_takes_effect_at_once_and_what_comes_later_passes
         program.click_header(24, shift=3)
         eventually(lambda: program.arrows() == {24: "up"}, "turned")
         assert program.column(0) == ["quarry d", "quarry b"]
-        for name, publisher in (("quarry c", "3"), ("late", "5"), ("quarry e", "5")):
-            for value, text in (("Publisher", publisher), ("DisplayName", name)):
+        added = (("quarry c", "3", "new"), ("late", "5", "new"), ("quarry e", "5", "new"),
+                 ("quarry d", "4", "known"))
+        for name, publisher, comment in added:
+            for value, text in (("Publisher", publisher), ("DisplayName", name),
+                                ("Comments", comment)):
                 desk.driver("reg-set", "HKCU", 64, f"Software\\{UNINSTALL}\\{name}", value, SZ,
                             text.encode() + b"\0")
         held.go()
         shows_by_itself(desk, "user", lambda: program.status() == "3 / 5 packages",
                         "what the pass has found")
         assert program.column(0) == ["quarry e", "quarry d", "quarry c"]
+        assert program.column(22) == ["new", "known", "new"]
+        # Its line has stayed.
         assert program.chosen_row() == "quarry d"
         program.ask("set-text", SEARCH, "")
         assert program.column(0) == ["late", "quarry e", "quarry d", "quarry c", "other"]
