@@ -12,11 +12,14 @@
 
 namespace ORLO {
 
-/// Makes hyperlinks of the controls `links`, and a flat button of an owner-drawn OK.
+/// Opens centred over its owner. Makes hyperlinks of the controls `links`, and a flat button of an
+/// owner-drawn OK.
 class AboutDlgController
     : public GlblDlgTemplate<CtlColorController<OwnerDrawController<DlgController>>> {
  public:
   AboutDlgController(HWND window, const char* name, std::initializer_list<int> links = {});
+
+  LRESULT Init(HWND focus_window) override;
 
  private:
   std::unique_ptr<FlatButtonController> ok_button_;

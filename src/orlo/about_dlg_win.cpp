@@ -1,5 +1,7 @@
 #include "orlo/about_dlg.h"
 
+#include "orlo/window_helpers.h"
+
 namespace ORLO {
 namespace {
 
@@ -20,6 +22,11 @@ AboutDlgController::AboutDlgController(HWND window, const char* name,
   }
   for (const int id : links)
     links_.push_back(std::make_unique<HyperlinkController>(control(id)));
+}
+
+LRESULT AboutDlgController::Init(HWND focus_window) {
+  center_window(_hwnd);
+  return GlblDlgTemplate::Init(focus_window);
 }
 
 }  // namespace ORLO

@@ -64,8 +64,8 @@ class TestTemplate {
 /// A dialog with nothing behind it, hidden unless its template says otherwise.
 class BareDialog {
  public:
-  explicit BareDialog(TestTemplate& plan)
-      : window_(CreateDialogIndirectParamA(GetModuleHandleA(nullptr), plan.get(), nullptr,
+  explicit BareDialog(TestTemplate& plan, HWND owner = nullptr)
+      : window_(CreateDialogIndirectParamA(GetModuleHandleA(nullptr), plan.get(), owner,
                                            &BareDialog::ignore, 0)) {}
   ~BareDialog() { DestroyWindow(window_); }
   BareDialog(const BareDialog&) = delete;

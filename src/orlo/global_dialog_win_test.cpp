@@ -86,6 +86,23 @@ TEST(AboutDlgController, LeavesAPlainButtonAsItIs) {
   DestroyWindow(dialog);
 }
 
+TEST(AboutDlgController, OpensOverTheMiddleOfItsOwner) {
+  TestTemplate owner_plan(300, 200, WS_POPUP | WS_VISIBLE);
+  const BareDialog owner(owner_plan);
+  SetWindowPos(owner.window(), HWND_TOP, 200, 150, 0, 0, SWP_NOSIZE);
+  TestTemplate plan(120, 60);
+  const HWND dialog = Dialog::DoModeless(
+      GetModuleHandleA(nullptr), plan.get(), owner.window(),
+      [](HWND window) { return std::make_unique<AboutDlgController>(window, "about"); });
+  RECT around = {};
+  GetWindowRect(owner.window(), &around);
+  RECT rect = {};
+  GetWindowRect(dialog, &rect);
+  EXPECT_EQ(rect.left, around.left + (width(around) - width(rect)) / 2);
+  EXPECT_EQ(rect.top, around.top + (height(around) - height(rect)) / 2);
+  DestroyWindow(dialog);
+}
+
 TEST(LibraryAbout, WithoutItsModuleNothingOpens) {
   set_core_module_loader([]() -> std::unique_ptr<CoreModule> { return nullptr; });
   TestTemplate plan(60, 40);

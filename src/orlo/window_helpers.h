@@ -8,8 +8,8 @@ namespace ORLO {
 /// Moves a window that overlaps the screen's edges back onto it; one that is larger than the
 /// screen keeps its upper left corner in view.
 void move_to_screen(HWND window);
-/// Centres a window over the window of its thread that lies next below it, or else in the work
-/// area.
+/// Centres a window over its owner, or else over the window of its thread that lies next below it,
+/// or else in the work area. Hidden and minimised windows don't count.
 void center_window(HWND window);
 /// Gives the window another menu and destroys the one it had.
 void replace_menu(HWND window, OwnedMenu menu);

@@ -6,14 +6,17 @@
 namespace ORLO {
 namespace {
 
+bool can_be_seen(HWND window) {
+  return window != nullptr && IsWindowVisible(window) && !IsIconic(window);
+}
+
 /// The nearest window below `window` that could be seen as what it was opened from. Windows of
 /// other programs don't count: the main window is no companion of whatever lies under it.
 HWND next_visible_sibling(HWND window) {
   const DWORD thread = GetWindowThreadProcessId(window, nullptr);
   HWND sibling = GetWindow(window, GW_HWNDNEXT);
   while (sibling != nullptr) {
-    if (GetWindowThreadProcessId(sibling, nullptr) == thread && IsWindowVisible(sibling) &&
-        !IsIconic(sibling)) {
+    if (GetWindowThreadProcessId(sibling, nullptr) == thread && can_be_seen(sibling)) {
       return sibling;
     }
     sibling = GetWindow(sibling, GW_HWNDNEXT);
@@ -23,9 +26,10 @@ HWND next_visible_sibling(HWND window) {
 
 RECT area_to_center_in(HWND window) {
   RECT area = {};
-  const HWND sibling = next_visible_sibling(window);
-  if (sibling != nullptr) {
-    GetWindowRect(sibling, &area);
+  const HWND owner = GetWindow(window, GW_OWNER);
+  const HWND below = can_be_seen(owner) ? owner : next_visible_sibling(window);
+  if (below != nullptr) {
+    GetWindowRect(below, &area);
   } else {
     SystemParametersInfoA(SPI_GETWORKAREA, 0, &area, 0);
   }

@@ -19,6 +19,11 @@ class WindowHelpersTest : public testing::Test {
     SetWindowPos(dialog.window(), nullptr, left, top, 0, 0,
                  SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
   }
+  static void expect_centred(HWND window, const RECT& around) {
+    const RECT rect = place_of(window);
+    EXPECT_EQ(rect.left, around.left + (width(around) - width(rect)) / 2);
+    EXPECT_EQ(rect.top, around.top + (height(around) - height(rect)) / 2);
+  }
 
   const int screen_width = GetSystemMetrics(SM_CXSCREEN);
   const int screen_height = GetSystemMetrics(SM_CYSCREEN);
@@ -63,9 +68,7 @@ TEST_F(WindowHelpersTest, CenterWindowUsesTheWorkAreaWithoutASibling) {
   SystemParametersInfoA(SPI_GETWORKAREA, 0, &area, 0);
   move(0, 0);
   center_window(dialog.window());
-  const RECT rect = place_of(dialog.window());
-  EXPECT_EQ(rect.left, area.left + (width(area) - width(rect)) / 2);
-  EXPECT_EQ(rect.top, area.top + (height(area) - height(rect)) / 2);
+  expect_centred(dialog.window(), area);
 }
 
 TEST_F(WindowHelpersTest, CenterWindowUsesTheVisibleWindowBelow) {
@@ -76,10 +79,24 @@ TEST_F(WindowHelpersTest, CenterWindowUsesTheVisibleWindowBelow) {
   const BareDialog top(top_plan);
   SetWindowPos(top.window(), HWND_TOP, 0, 0, 0, 0, SWP_NOSIZE);
   center_window(top.window());
-  const RECT around = place_of(base.window());
-  const RECT rect = place_of(top.window());
-  EXPECT_EQ(rect.left, around.left + (width(around) - width(rect)) / 2);
-  EXPECT_EQ(rect.top, around.top + (height(around) - height(rect)) / 2);
+  expect_centred(top.window(), place_of(base.window()));
+}
+
+TEST_F(WindowHelpersTest, CenterWindowUsesTheOwnerWhateverLiesBetween) {
+  TestTemplate owner_plan(300, 200, WS_POPUP | WS_VISIBLE);
+  const BareDialog owner(owner_plan);
+  SetWindowPos(owner.window(), HWND_TOP, 200, 150, 0, 0, SWP_NOSIZE);
+  TestTemplate between_plan(120, 90, WS_POPUP | WS_VISIBLE);
+  const BareDialog between(between_plan, owner.window());
+  SetWindowPos(between.window(), HWND_TOP, 0, 0, 0, 0, SWP_NOSIZE);
+  TestTemplate top_plan(100, 50, WS_POPUP);
+  const BareDialog top(top_plan, owner.window());
+  center_window(top.window());
+  expect_centred(top.window(), place_of(owner.window()));
+  // One that can't be seen is no place for it.
+  ShowWindow(owner.window(), SW_HIDE);
+  center_window(top.window());
+  expect_centred(top.window(), place_of(between.window()));
 }
 
 TEST_F(WindowHelpersTest, ReplacedMenuIsDestroyed) {
