@@ -85,7 +85,7 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   void requestRefresh();
   /// Forgets everything and reads anew: the user accepts the present state.
   void refresh_from_scratch();
-  /// While a menu is open, the refresh waits for its end.
+  /// While a menu is open or the mouse drags something, the refresh waits for the end of that.
   void refresh(void (RefreshCycle::*request)());
   void end_if_due();
   /// False if the last run has left nothing that can be used.
@@ -122,7 +122,6 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   Table currentTable;
   HistoryMerge history_;
   bool closing = false;
-  bool menu_open_ = false;
   int open_boxes_ = 0;
   void (RefreshCycle::*postponed_)() = nullptr;
   bool shut_down_ = false;

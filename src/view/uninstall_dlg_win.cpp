@@ -25,7 +25,9 @@ constexpr int kExtraHeight = 300;
 constexpr INT_PTR kClosed = 2;
 // Posted by the registry's watchers.
 constexpr UINT kRegistryChanged = WM_APP;
-constexpr UINT kMenuLeft = WM_APP + 1;
+// Looks whether a refresh that was postponed can run, every so many milliseconds.
+constexpr UINT_PTR kPostponedTimer = 1;
+constexpr UINT kPostponedInterval = 50;
 
 // 1 moves the left edge with the dialog's growth, 2 the right, 4 the top, 8 the bottom edge.
 constexpr ResizeRule kResizeRules[] = {
@@ -91,6 +93,26 @@ std::vector<ScreenArea> work_areas() {
   std::vector<ScreenArea> areas;
   EnumDisplayMonitors(nullptr, nullptr, &add_work_area, reinterpret_cast<LPARAM>(&areas));
   return areas;
+}
+
+/// Whether a menu of any window here, or a drag of its frame, a scroll bar or a column, has a
+/// message loop of its own on the stack or holds the mouse.
+bool in_menu_or_drag() {
+  constexpr DWORD kLoops = GUI_INMENUMODE | GUI_POPUPMENUMODE | GUI_SYSTEMMENUMODE | GUI_INMOVESIZE;
+  GUITHREADINFO info = {};
+  info.cbSize = sizeof info;
+  if (GetGUIThreadInfo(GetCurrentThreadId(), &info) == FALSE) return false;
+  const bool dragging = info.hwndCapture != nullptr && GetKeyState(VK_LBUTTON) < 0;
+  return (info.flags & kLoops) != 0 || dragging;
+}
+
+/// Closes a window that has been opened, maybe by way of others, from the main window.
+BOOL CALLBACK close_if_above(HWND window, LPARAM main_window) {
+  const auto base = reinterpret_cast<HWND>(main_window);
+  if (window != base && IsWindowVisible(window) && GetAncestor(window, GA_ROOTOWNER) == base) {
+    PostMessageA(window, WM_CLOSE, 0, 0);
+  }
+  return TRUE;
 }
 
 }  // namespace
@@ -205,15 +227,9 @@ LRESULT UninstallDlg::WndProc(UINT message, WPARAM wparam, LPARAM lparam) {
     case kRegistryChanged:
       requestRefresh();
       return TRUE;
-    case WM_ENTERMENULOOP:
-      menu_open_ = true;
-      return TRUE;
-    case WM_EXITMENULOOP:
-      menu_open_ = false;
-      if (postponed_ != nullptr) PostMessageA(_hwnd, kMenuLeft, 0, 0);
-      return TRUE;
-    case kMenuLeft:
-      // Behind the menu's end, whose loop is still on the stack when it tells of it.
+    case WM_TIMER:
+      if (wparam != kPostponedTimer) return Base::WndProc(message, wparam, lparam);
+      KillTimer(_hwnd, kPostponedTimer);
       if (const auto request = std::exchange(postponed_, nullptr)) refresh(request);
       return TRUE;
     case WM_INITMENUPOPUP:
@@ -256,9 +272,11 @@ void UninstallDlg::refresh_from_scratch() {
 }
 
 void UninstallDlg::refresh(void (RefreshCycle::*request)()) {
-  // The cycle's wait would take the keys that the menu is to get.
-  if (menu_open_) {
+  // The cycle's wait would take the keys that the menu, or the button's release that the drag, is
+  // to get.
+  if (in_menu_or_drag()) {
     if (postponed_ != &RefreshCycle::requestAfresh) postponed_ = request;
+    SetTimer(_hwnd, kPostponedTimer, kPostponedInterval, nullptr);
     return;
   }
   // However the cycle ends, an end that was asked for meanwhile is due.
@@ -318,7 +336,9 @@ void UninstallDlg::EndDialog(INT_PTR result) {
   due_result_ = result;
   if (cycle_.refreshing() || shut_down_) return;
   shut_down();
-  // So would a box.
-  if (open_boxes_ > 0) PostMessageA(GetLastActivePopup(_hwnd), WM_CLOSE, 0, 0);
+  // So would a box, and below it another one.
+  if (open_boxes_ > 0) {
+    EnumThreadWindows(GetCurrentThreadId(), &close_if_above, reinterpret_cast<LPARAM>(_hwnd));
+  }
   Base::EndDialog(result);
 }

@@ -5,12 +5,13 @@ import contextlib
 import pytest
 
 from conftest import SCREENSHOTS
-from support.program import (ALL_PACKAGES, LIST, REFRESH, TITLE, WINDOW_CLASS, DriverError,
+from support.program import (ALL_PACKAGES, LIST, REFRESH, SEARCH, TITLE, WINDOW_CLASS, DriverError,
                              eventually)
 from support.registry import UNINSTALL, Key, reg_text
 
 QUIET = ("-nopersist", "-noupdate")
 WM_CLOSE, WM_COMMAND, WM_SYSCOMMAND, WM_LBUTTONDOWN = 0x10, 0x111, 0x112, 0x201
+WM_APP = 0x8000
 LIMIT = 20000
 
 PRODUCT = "{5F0C1B6A-11D4-4C0E-9D4E-6A1B2C3D4E5F}"
@@ -277,6 +278,11 @@ def test_the_issue_tracker_is_opened(window):
     assert window.boxes() == []
 
 
+def centre(window):
+    left, top, right, bottom = window["frame"]
+    return [(left + right) / 2, (top + bottom) / 2]
+
+
 def open_by_menu(window):
     window.post(ABOUT)
 
@@ -293,6 +299,7 @@ def test_the_about_box_says_what_it_is_and_leads_to_its_makers(window, open_it):
     open_it(window)
     box = window.wait_for_box(window.texts["about"])
     assert ask("window", box)["owner"] == window.program.handle
+    assert centre(ask("window", box)) == pytest.approx(centre(window.program.window()), abs=1)
     assert "Zolvane 5.3" in window.box_texts(box)
     assert not window.program.window()["enabled"]
     window.program.picture(SCREENSHOTS / f"{window.language}-about.png")
@@ -318,10 +325,11 @@ def test_there_is_one_about_box_at_most(window):
     window.close_box(box)
 
 
-@pytest.mark.parametrize("title, command", [("about", ABOUT), (None, 2005)])
-def test_the_program_ends_with_a_box_open(window, title, command):
-    window.post(command)
-    window.wait_for_box(window.texts[title] if title else TITLE)
+@pytest.mark.parametrize("commands", [(ABOUT,), (2005,), (ABOUT, 2005), (2005, 2011, ABOUT)])
+def test_the_program_ends_with_boxes_open(window, commands):
+    for count, command in enumerate(commands, 1):
+        window.post(command)
+        eventually(lambda: len(window.boxes()) == count, f"box {count}")
     assert window.program.close() == 0
 
 
@@ -369,6 +377,44 @@ def test_a_package_that_goes_while_its_menu_is_open_leaves_nothing_behind(own):
     own.program.wait_for_status("4 / 4 packages")
     own.program.ask("command", UNINSTALL_COMMAND)
     assert own.boxes() == []
+    assert own.program.close() == 0
+
+
+@contextlib.contextmanager
+def scroll_bar_dragged(own):
+    left, _, _, bottom = own.program.control(LIST)["screen"]
+    own.program.activate()
+    with own.desk.screen.button_held(left + 40, bottom - 10):
+        yield
+
+
+@contextlib.contextmanager
+def menu_of_a_text_open(own):
+    left, top, _, bottom = own.program.control(SEARCH)["screen"]
+    own.program.activate()
+    own.desk.screen.click(left + 20, (top + bottom) // 2, button=3)
+    eventually(lambda: own.program.ask("in-menu"), "the menu is open")
+    yield
+    own.desk.screen.press_key("Escape")
+
+
+@pytest.mark.parametrize("taken_up", [scroll_bar_dragged, menu_of_a_text_open])
+def test_what_changes_waits_until_mouse_and_keys_are_free_again(own, taken_up):
+    scrolled = own.program.ask("list-cell-rect", LIST, 0, 2)
+    with taken_up(own):
+        if taken_up is scroll_bar_dragged:
+            left, _, _, bottom = own.program.control(LIST)["screen"]
+
+            def drags():
+                own.desk.screen.move_mouse(left + 90, bottom - 10)
+                return own.program.ask("list-cell-rect", LIST, 0, 2) != scrolled
+            eventually(drags, "the list is scrolled")
+        own.delete("Whole")
+        # Each returns when the refresh that it has begun has ended.
+        for _ in range(20):
+            own.program.ask("send", WM_APP, 0, 0)
+            assert own.program.status() == "5 / 5 packages"
+    own.program.wait_for_status("4 / 4 packages")
     assert own.program.close() == 0
 
 
