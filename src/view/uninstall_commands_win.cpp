@@ -192,6 +192,8 @@ void UninstallDlg::show_issue_tracker() {
 }
 
 void UninstallDlg::switch_language() {
+  // Hidden, it is on its way out already.
+  if (!IsWindowVisible(_hwnd)) return;
   WindowRestart restart(_hwnd);
   switchLanguage(resources_.text(IDS_OTHER_LANGUAGE_SWITCH), run_, restart);
 }

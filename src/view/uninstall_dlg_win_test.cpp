@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "orlo/window_helpers.h"
 #include "platform/memory_files.h"
@@ -22,7 +23,7 @@ void no_language() {}
 
 class UninstallDlgTest : public testing::Test {
  protected:
-  UninstallDlgTest() {
+  explicit UninstallDlgTest(const char* window_pos = "") {
     INITCOMMONCONTROLSEX classes = {};
     classes.dwSize = sizeof classes;
     classes.dwICC = ICC_LISTVIEW_CLASSES;
@@ -31,6 +32,7 @@ class UninstallDlgTest : public testing::Test {
     add("Alder", u"Alder", u"20260107");
     UninstallPara para;
     para.noPersist = true;
+    para.windowPos = window_pos;
     window = ORLO::Dialog::DoModeless(
         resources.module(), resources.dialog(IDD_MAIN), nullptr, [&](HWND made) {
           return std::make_unique<UninstallDlg>(
@@ -74,6 +76,11 @@ class UninstallDlgTest : public testing::Test {
     NMHEADERA notice = {};
     notice.iItem = column;
     notify(notice, notice.hdr, ListView_GetHeader(list), code);
+  }
+  RECT place() const {
+    RECT rect = {};
+    GetWindowRect(window, &rect);
+    return rect;
   }
   String text_of(int control) const { return ORLO::window_text(GetDlgItem(window, control)); }
 
@@ -202,6 +209,67 @@ TEST_F(UninstallDlgTest, TheChosenPackageMayGoAndComeBackAsAnother) {
   SendMessageA(window, WM_COMMAND, ID_REMOVE, 0);
   // The new records have new ids.
   EXPECT_GT(id_at(0), 2);
+}
+
+TEST_F(UninstallDlgTest, HasTheProgramsIconInBothSizes) {
+  const HICON big = reinterpret_cast<HICON>(SendMessageA(window, WM_GETICON, ICON_BIG, 0));
+  const HICON small = reinterpret_cast<HICON>(SendMessageA(window, WM_GETICON, ICON_SMALL, 0));
+  EXPECT_NE(big, nullptr);
+  EXPECT_NE(small, nullptr);
+  EXPECT_NE(big, small);
+}
+
+struct Seen {
+  HCURSOR cursor;
+  std::string status;
+};
+std::vector<Seen> seen_while_painting;
+
+LRESULT CALLBACK look_while_painting(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+  if (message == WM_PAINT) {
+    seen_while_painting.push_back(
+        {GetCursor(), ORLO::window_text(GetDlgItem(window, IDC_STATUS)).c_str()});
+  }
+  return DefDlgProcA(window, message, wparam, lparam);
+}
+
+TEST_F(UninstallDlgTest, ARefreshGoesOnUnderTheWaitCursorAndTheOldStatusLine) {
+  SetDlgItemTextA(window, IDC_STATUS, "old");
+  const LONG_PTR own =
+      SetWindowLongPtrA(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&look_while_painting));
+  seen_while_painting.clear();
+  InvalidateRect(window, nullptr, FALSE);
+  SendMessageA(window, WM_COMMAND, IDC_REFRESH, 0);
+  SetWindowLongPtrA(window, GWLP_WNDPROC, own);
+  ASSERT_FALSE(seen_while_painting.empty());
+  EXPECT_EQ(seen_while_painting[0].cursor, LoadCursorA(nullptr, IDC_WAIT));
+  EXPECT_EQ(seen_while_painting[0].status, "old");
+  EXPECT_EQ(GetCursor(), LoadCursorA(nullptr, IDC_ARROW));
+  EXPECT_STREQ(text_of(IDC_STATUS).c_str(), "2 / 2 packages");
+}
+
+struct PlacedUninstallDlgTest : UninstallDlgTest {
+  PlacedUninstallDlgTest() : UninstallDlgTest("40/50/740/650 - 1") {}
+};
+
+TEST_F(PlacedUninstallDlgTest, OpensWhereItWasLast) {
+  const RECT wanted = {40, 50, 740, 650};
+  const RECT rect = place();
+  EXPECT_TRUE(EqualRect(&rect, &wanted));
+  EXPECT_EQ(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0), 2);
+}
+
+struct MisplacedUninstallDlgTest : UninstallDlgTest {
+  MisplacedUninstallDlgTest() : UninstallDlgTest("40/50/740/650 -") {}
+};
+
+TEST_F(MisplacedUninstallDlgTest, OpensInTheMiddleAndReadsTheListAllTheSame) {
+  RECT area = {};
+  SystemParametersInfoA(SPI_GETWORKAREA, 0, &area, 0);
+  const RECT rect = place();
+  EXPECT_EQ(rect.left, area.left + (ORLO::width(area) - ORLO::width(rect)) / 2);
+  EXPECT_EQ(rect.top, area.top + (ORLO::height(area) - ORLO::height(rect)) / 2);
+  EXPECT_EQ(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0), 2);
 }
 
 TEST_F(UninstallDlgTest, CombosHearOnlyOfAChoice) {

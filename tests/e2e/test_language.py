@@ -123,6 +123,18 @@ def test_it_restarts_in_the_other_language_and_back_again(restarting):
     assert restarting.pids() == []
 
 
+def test_it_restarts_once_however_often_it_is_told(restarting):
+    program = restarting.open()
+    program.wait_for_status(FILLED["english"])
+    for _ in range(3):
+        program.ask("post", WM_COMMAND, SWITCH_LANGUAGE, 0)
+    assert program.exit_code() == 0
+    german = restarting.other(program)
+    german.wait_for_status(FILLED["german"])
+    assert german.close() == 0
+    assert restarting.pids() == []
+
+
 def test_a_german_system_gets_english_just_as_well(german_desk, make_restarting):
     restarting = make_restarting(german_desk, BINARIES / "zolvane.exe")
     program = restarting.open()

@@ -318,6 +318,27 @@ def test_no_text_is_clipped_and_no_button_blank(sized):
         assert ink[2] < control["screen"][2], f"{control['text']} reaches its right edge"
 
 
+# Text of a button that can be used, at rest and under the mouse.
+REST, ACTIVE = (0, 0, 128), (0, 0, 255)
+
+
+def colours(picture, rect):
+    left, top, right, bottom = rect
+    return {colour for y in range(top, bottom) for colour in picture.row(y, left, right)}
+
+
+def test_a_button_lights_up_under_the_mouse(program, screen):
+    program.activate()
+    left, top, right, bottom = rect = program.control(REFRESH)["screen"]
+    seen = colours(program.picture(), rect)
+    assert REST in seen and ACTIVE not in seen
+    screen.move_mouse((left + right) // 2, (top + bottom) // 2)
+    eventually(lambda: ACTIVE in colours(screen.picture(), rect), "it has lit up")
+    assert REST not in colours(screen.picture(), rect)
+    screen.move_mouse(left - 40, top)
+    eventually(lambda: REST in colours(screen.picture(), rect), "it is at rest again")
+
+
 def overlap(a, b):
     return a[0] < b[2] and b[0] < a[2] and a[1] < b[3] and b[1] < a[3]
 
