@@ -26,6 +26,8 @@ collect() {
   mkdir -p "$folder/tests" "$folder/testdata/fuzz"
   cp build/win32/zolvane.exe build/win32/zolvane.chm "$folder"
   find build/win32 -name '*_tests.exe' -exec cp -t "$folder/tests" {} +
+  # The foundation's tests look for it beside them.
+  cp -r build/win32/orlocore "$folder/tests"
   corpus=$folder/testdata/fuzz/corpus
   cp -r fuzz/corpus "$corpus"
   with_crlf scripts/bundle/run-tests.cmd "$folder/run-tests.cmd"

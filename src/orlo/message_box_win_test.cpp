@@ -61,8 +61,15 @@ int ask(uint32_t flags, const std::function<void(HWND)>& visit, HWND owner = nul
   return answer;
 }
 
+/// A box without that button is closed, too: nobody else would.
 void press(HWND box, WORD id) {
-  PostMessageA(GetDlgItem(box, id), BM_CLICK, 0, 0);
+  const HWND button = GetDlgItem(box, id);
+  EXPECT_NE(button, nullptr) << "button " << id;
+  if (button != nullptr) {
+    PostMessageA(button, BM_CLICK, 0, 0);
+  } else {
+    EndDialog(box, 0);
+  }
 }
 
 bool is_our_own(HWND box) {
