@@ -37,7 +37,8 @@ echo.
 reg query "HKCU\Control Panel\International" /v LocaleName
 goto :eof
 
-rem run NAME: a program that fails without naming a failed test counts as one failed test.
+rem run NAME: a program that fails without naming a failed test, or ends without a result, counts as
+rem one failed test.
 :run
 set passed=0
 set failed=0
@@ -53,6 +54,10 @@ set remark=
 if not "%code%"=="0" if "%failed%"=="0" (
   set failed=1
   set remark=, ended with %code%
+)
+if "%passed%%failed%%skipped%"=="000" (
+  set failed=1
+  set remark=, ended before it had a result
 )
 echo %1: %passed% passed, %failed% failed, %skipped% skipped%remark%
 set /a all_passed+=passed
