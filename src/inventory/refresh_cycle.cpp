@@ -74,7 +74,10 @@ void RefreshCycle::requestAfresh() {
   requestRefresh();
 }
 
+/// Does nothing if the program is told to quit before the list is free.
 void RefreshCycle::forget() {
+  if (!ORLO::try_enter_with_messages(parts_.listLock)) return;
+  const Entered entered(parts_.listLock);
   parts_.frame.forget_entries();
   parts_.history.forget();
   parts_.currentTable.clear_rows();

@@ -52,7 +52,10 @@ class RecordingView : public InventoryView {
 /// Writes down what shows of a cycle.
 class RecordingFrame : public RefreshFrame {
  public:
-  void forget_entries() override { log.emplace_back("forget"); }
+  void forget_entries() override {
+    log.emplace_back("forget");
+    if (at_forget) at_forget();
+  }
   void begin_wait() override {
     log.emplace_back("begin wait");
     if (at_begin_wait) at_begin_wait();
@@ -72,6 +75,7 @@ class RecordingFrame : public RefreshFrame {
   }
   void refreshed() override { log.emplace_back("refreshed"); }
   std::vector<std::string> log;
+  std::function<void()> at_forget;
   std::function<void()> at_begin_wait;
   std::function<void()> at_counts;
   std::function<void()> at_failure;
@@ -528,6 +532,24 @@ TEST_F(RefreshCycleTest, WaitsForTheListToBeFree) {
   other.join();
   EXPECT_FALSE(overtaken);
   EXPECT_EQ(frame_.log, kCalmCycle);
+}
+
+TEST_F(RefreshCycleTest, ForgettingWaitsForTheListToBeFree) {
+  start();
+  ORLO::Event held;
+  ORLO::Event forgotten;
+  bool overtaken = true;
+  frame_.at_forget = [&] { forgotten.set(); };
+  std::thread other([&] {
+    const ORLO::Lock hold(list_lock_);
+    held.set();
+    // Long enough for one who doesn't wait.
+    overtaken = ORLO::wait_for(forgotten, 200);
+  });
+  ASSERT_TRUE(ORLO::wait_for(held, kLong));
+  cycle_->requestAfresh();
+  other.join();
+  EXPECT_FALSE(overtaken);
 }
 
 TEST_F(RefreshCycleTest, FailureOfTheHandOverPassesOnAndLeavesACycleToStart) {
