@@ -248,6 +248,7 @@ class RandomRun {
 };
 
 TEST(ListModel, DoesAsAPlainModelWouldWhateverComes) {
+  // Asks for more than a quick run wants.
   const char* const wanted = std::getenv("ZOLVANE_RANDOM_RUNS");
   const unsigned long runs = wanted != nullptr ? std::strtoul(wanted, nullptr, 10) : 60;
   constexpr int kSteps = 150;
