@@ -281,10 +281,10 @@ TL_String encode_xml_text(std::string_view text, bool cdata) {
 }
 
 TL_String decode_xml_text(std::string_view text) {
-  if (text.find('&') == std::string_view::npos && text.find('<') == std::string_view::npos) {
-    return from_utf8(text);
-  }
-  return Decoder(from_utf8(text)).decode();
+  // Marks are looked for behind the conversion, which turns their wide forms into them.
+  TL_String narrow = from_utf8(text);
+  if (narrow.find('&') == TL_String::npos && narrow.find('<') == TL_String::npos) return narrow;
+  return Decoder(narrow).decode();
 }
 
 }  // namespace Trellis

@@ -79,6 +79,16 @@ TEST(DecodeXmlText, TakesTheMarkersOffCdataSections) {
   }
 }
 
+TEST(DecodeXmlText, LooksForMarksInTheCodePage) {
+  const Row rows[] = {{"\xEF\xBC\x86lt;", "<"},
+                      {"\xEF\xBC\x86 amp;", "& amp;"},
+                      {"\xEF\xBC\x9C![CDATA[a&amp;]]>", "a&amp;"}};
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.text);
+    EXPECT_EQ(decode_xml_text(row.text), row.expected);
+  }
+}
+
 TEST(DecodeXmlText, TakesManySectionsThatNeverEndInOneGo) {
   std::string text;
   for (int i = 0; i < 200000; ++i)
