@@ -21,7 +21,11 @@ XMLWriter::XMLWriter(std::ostream& stream, const XMLFormat& format)
     : out(stream), _format(format) {}
 
 XMLWriter::~XMLWriter() {
-  out << _format.endl;
+  try {
+    out << _format.endl;
+  } catch (...) {
+    // A stream that throws when it fails has shown it; nothing may leave from here.
+  }
 }
 
 void XMLWriter::create(std::string_view name) {
@@ -37,7 +41,7 @@ void XMLWriter::create(std::string_view name) {
   stack.emplace(TL_String(name));
   add_line_start();
   text_ += '<';
-  append_encoded(text_, name);
+  append_encoded(text_, stack.top().name);  // `name` may lie in an entry, and those have moved
   write_text();
 }
 

@@ -103,6 +103,18 @@ TEST(XMLWriter, WritesContentAsItStandsAndWithoutALineInFrontOfTheEndTag) {
   EXPECT_EQ(written_plain(write), "<a><b>1 &lt; 2</b>mixed</a>\n");
 }
 
+TEST(XMLWriter, TakesANameThatLiesInItsOwnStack) {
+  const std::string text = written_plain([](XMLWriter& writer) {
+    writer.create("a");
+    for (int i = 0; i < 40; ++i)
+      writer.create(writer.stack.top().name);
+  });
+  std::string expected;
+  for (int i = 0; i < 40; ++i)
+    expected += "<a>";
+  EXPECT_EQ(text, expected + "<a\n");
+}
+
 TEST(XMLWriter, LeavesOpenElementsOpen) {
   EXPECT_EQ(written_plain([](XMLWriter& writer) {
               writer.create("a");
@@ -156,6 +168,49 @@ TEST(XMLWriter, CompletesTheFileItTookOverWhenItIsDestroyed) {
   EXPECT_EQ(folder.content("own.xml"),
             "<?xml version=\"1.0\" encoding=\"utf-8\"?>"
             "<zolvane version=\"5.3\"><last-entries/></zolvane>\n");
+}
+
+/// Takes some characters and no more.
+class SmallBuffer final : public std::streambuf {
+ public:
+  explicit SmallBuffer(size_t room) : room_(room) {}
+  std::string taken;
+
+ protected:
+  int_type overflow(int_type c) override {
+    if (taken.size() == room_) return traits_type::eof();
+    taken += traits_type::to_char_type(c);
+    return c;
+  }
+
+ private:
+  const size_t room_;
+};
+
+TEST(XMLWriter, GoesOnWhenItsStreamTakesNoMore) {
+  const std::string whole = written_plain(write_nest);
+  for (size_t room = 0; room <= whole.size(); ++room) {
+    SCOPED_TRACE(room);
+    SmallBuffer buffer(room);
+    std::ostream out(&buffer);
+    {
+      XMLWriter writer(out, plain_format());
+      write_nest(writer);
+      EXPECT_TRUE(writer.stack.empty());
+    }
+    EXPECT_EQ(buffer.taken, whole.substr(0, room));
+  }
+}
+
+TEST(XMLWriter, LetsAStreamThrowButNotFromItsEnd) {
+  SmallBuffer buffer(0);
+  std::ostream out(&buffer);
+  out.exceptions(std::ios::badbit);
+  {
+    XMLWriter writer(out, plain_format());
+    EXPECT_ANY_THROW(writer.create("a"));
+  }
+  EXPECT_TRUE(out.bad());
 }
 
 TEST(XMLWriter, WritesIntoNothingWhenTheFileCannotBeOpened) {
