@@ -111,6 +111,7 @@ XMLChildFilter::XMLChildFilter(const XMLNode& node, std::string_view name)
 }
 
 XMLChildFilter& XMLChildFilter::operator++() {
+  if (at_end()) return *this;
   ++at_;
   seek();
   return *this;

@@ -220,6 +220,21 @@ TEST(XMLChildFilter, WalksTheChildrenOfExactlyItsName) {
   EXPECT_EQ(seen, "123");
 }
 
+TEST(XMLChildFilter, MeetsChildrenThatAreAddedOnItsWay) {
+  XMLNode node("a");
+  for (int i = 0; i < 3; ++i)
+    add_child(node, "b");
+  int met = 0;
+  for (XMLNode& child : XMLChildFilter(node, "b")) {
+    child["met"] = "1";
+    if (++met < 10) add_child(node, "b");
+  }
+  EXPECT_EQ(met, 12);
+  const XMLChildFilter none(node, "c");
+  add_child(node, "c");
+  EXPECT_TRUE(none == XMLChildFilter()) << "it was at the end already";
+}
+
 TEST(XMLChildFilter, EqualsTheEndWhenNoneIsLeft) {
   const auto read = read_text("<a><b/><c/></a>");
   XMLChildFilter filter(read->root(), "b");
@@ -227,6 +242,9 @@ TEST(XMLChildFilter, EqualsTheEndWhenNoneIsLeft) {
   EXPECT_EQ(*filter, "b");
   ++filter;
   EXPECT_TRUE(filter == XMLChildFilter());
+  ++filter;
+  EXPECT_TRUE(filter == XMLChildFilter()) << "and stays there";
+  EXPECT_TRUE(++XMLChildFilter() == XMLChildFilter());
   EXPECT_TRUE(XMLChildFilter(read->root(), "d") == XMLChildFilter());
   EXPECT_TRUE(XMLChildFilter(read->root(), "c") == XMLChildFilter(read->root(), "c"));
   EXPECT_FALSE(XMLChildFilter(read->root(), "c") == XMLChildFilter(read->root(), "b"));
