@@ -98,10 +98,15 @@ void CharSource::settle_location() {
 
 bool CharSource::fill() {
   settle_location();
-  plain_->in->read(block_.get(), kBlockSize);
+  // Only what the stream has at hand: what comes in front of its failure is then parsed.
+  std::istream& in = *plain_->in;
+  const int first = in.get();
+  if (first == std::istream::traits_type::eof()) return false;
+  block_[0] = static_cast<char>(first);
+  const std::streamsize more = in.readsome(block_.get() + 1, kBlockSize - 1);
   at_ = counted_ = block_.get();
-  end_ = at_ + plain_->in->gcount();
-  return at_ != end_;
+  end_ = at_ + 1 + more;
+  return true;
 }
 
 /// A tag, walked from left to right. Behind its last character it seems to hold NULs.

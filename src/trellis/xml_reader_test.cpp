@@ -3,6 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
+#include <stdexcept>
+#include <streambuf>
+
 #include "orlo/assertion.h"
 #include "orlo/report_test_support.h"
 #include "trellis/tl_native.h"
@@ -45,6 +49,12 @@ TEST(XMLReader, PutsAllBehindTheRootIntoItsTrailingText) {
 
 TEST(XMLReader, PutsTextWithoutAnyElementBehindTheDocument) {
   expect_rows({{" only text ", "( trailing=[ only text ])"}, {"", "()"}});
+  XMLNode node("");
+  std::istringstream stream("text");
+  XMLReader reader(node, stream);
+  reader.read();
+  EXPECT_EQ(node.trailing, "text");
+  EXPECT_EQ(reader.content, "");
 }
 
 TEST(XMLReader, PutsTextBehindAnOpenElementIntoItsTrailingTextAtTheEnd) {
@@ -55,7 +65,12 @@ TEST(XMLReader, TakesTextBehindAnEndTagTooManyForTheDocument) {
   const ORLO::TestReports reports;
   expect_rows({{"</a>x <b/>", "( trailing=[x] (b leading=[ ]))"},
                {"<a></a> </a></a>", "( end=[ ] (a))"},
-               {"</a>x </a>", "( content=[x] end=[ ])"}});
+               {"</a>x </a>", "( content=[x] end=[ ])"},
+               {"x</a>y</a>", "( content=[xy])"},
+               {" </a>\n</a></a>", "( end=[\n])"},
+               {"<![CDATA[x]]></a>y</a>", "( content=[xy])"},
+               {"<r></r>x</a>y</a>", "( (r trailing=[xy]))"},
+               {"<r></r>x</a>y<b/>", "( (r trailing=[xy]) (b))"}});
 }
 
 TEST(XMLReader, TellsWhereAnErrorIs) {
@@ -96,6 +111,7 @@ TEST(XMLReader, TakesOverTheErrorsAndTheFormInTheDocument) {
   std::istringstream stream("<?xml version='1.1'?><a x><b>");
   XMLReader reader(doc, stream);
   reader.errors.push_back({"old", "", 1, 1, 0});
+  reader.warnings.push_back({"old", "", 1, 1, 0});
   reader._format.endl = "\r\n";
   EXPECT_FALSE(doc.read(reader, nullptr));
   ASSERT_EQ(doc.errors.size(), 1u);
@@ -104,6 +120,7 @@ TEST(XMLReader, TakesOverTheErrorsAndTheFormInTheDocument) {
   EXPECT_EQ(doc._format.version, "1.1");
   EXPECT_STREQ(doc._format.endl, "\n") << "the file has none";
   EXPECT_EQ(dump(doc), "( (a (b)))") << "the tree holds all that was read";
+  EXPECT_TRUE(reader.warnings.empty());
 }
 
 class LoggingReader final : public XMLReader {
@@ -154,6 +171,86 @@ TEST(XMLReader, ReadsNothingFromAStreamThatHasFailed) {
   XMLReader reader(doc, stream);
   EXPECT_TRUE(doc.read(reader, ""));
   EXPECT_TRUE(doc.children.empty());
+}
+
+/// Has some characters, and then a failure.
+class BreakingBuffer final : public std::streambuf {
+ public:
+  explicit BreakingBuffer(std::string text) : text_(std::move(text)) {
+    setg(text_.data(), text_.data(), text_.data() + text_.size());
+  }
+
+ protected:
+  int_type underflow() override { throw std::runtime_error("broken"); }
+
+ private:
+  std::string text_;
+};
+
+template <typename Reader>
+std::string read_until_it_breaks(std::ios::iostate thrown) {
+  BreakingBuffer buffer("<a x='1'>\n<b/>text");
+  std::istream stream(&buffer);
+  stream.exceptions(thrown);
+  XMLDoc doc;
+  Reader reader(doc, stream);
+  std::string ending = " good";
+  try {
+    doc.read(reader, "");
+  } catch (const std::exception&) {
+    ending = " thrown";
+  }
+  return dump(doc) + ending + ' ' + std::to_string(reader.location.line) + ':' +
+         std::to_string(reader.location.column);
+}
+
+TEST(XMLReader, KeepsWhatComesInFrontOfAFailureOfItsStream) {
+  EXPECT_EQ(read_until_it_breaks<XMLReader>(std::ios::goodbit),
+            "( (a @x=1 (b leading=[\n] trailing=[text]))) good 2:9");
+  const std::string thrown = "( (a @x=1 (b leading=[\n]))) thrown 2:9";
+  EXPECT_EQ(read_until_it_breaks<XMLReader>(std::ios::badbit), thrown);
+  EXPECT_EQ(read_until_it_breaks<XMLReader>(std::ios::failbit), thrown);
+  EXPECT_EQ(read_until_it_breaks<CharByCharReader>(std::ios::badbit), thrown);
+}
+
+TEST(XMLReader, KeepsTheDocumentOfAStreamThatThrowsAtItsEnd) {
+  XMLDoc doc;
+  std::istringstream stream("<a>x</a>");
+  stream.exceptions(std::ios::eofbit);
+  XMLReader reader(doc, stream);
+  EXPECT_ANY_THROW(doc.read(reader, ""));
+  EXPECT_EQ(dump(doc), "( (a content=[x]))");
+}
+
+/// Hands out what a get should not.
+class OddReader final : public XMLReader {
+ public:
+  OddReader(XMLNode& node, std::istream& stream, std::vector<int> characters)
+      : XMLReader(node, stream), characters_(std::move(characters)) {}
+  int get() override { return next_ < characters_.size() ? characters_[next_++] : -1; }
+
+ private:
+  const std::vector<int> characters_;
+  size_t next_ = 0;
+};
+
+TEST(XMLReader, SurvivesAGetThatHandsOutAnything) {
+  const ORLO::TestReports reports;
+  const std::string text =
+      "\xEF\xBB\xBF<?xml v='1'?>\r\n<!DOCTYPE a>\n<a x='1'>t<![CDATA[u]]><!--c--></a><";
+  for (const int odd : {-1, -2, 0, 256, 256 + '<', 256 + '>', '<' - 256, INT_MAX, INT_MIN}) {
+    for (size_t at = 0; at <= text.size(); ++at) {
+      std::vector<int> characters;
+      for (const char c : text)
+        characters.push_back(static_cast<unsigned char>(c));
+      characters.insert(characters.begin() + static_cast<std::ptrdiff_t>(at), odd);
+      XMLDoc doc;
+      std::istringstream unused;
+      OddReader reader(doc, unused, std::move(characters));
+      doc.read(reader, "");
+      EXPECT_LE(doc.children.size(), 2u) << odd << " at " << at;
+    }
+  }
 }
 
 void expect_both_ways_alike(const std::string& text) {
