@@ -99,6 +99,14 @@ TEST(NativeParser, CountsWhatStandsBehindAnOpenQuoteAsItsValue) {
                {"<a x='/>", "( (a @x=/>))", {"1:9 unterminated attribute quote"}}});
 }
 
+TEST(NativeParser, ClosesAnElementByTheSlashInFrontOfItsBracketWhereverItsListEnded) {
+  expect_rows({{"<a x='/><b/>", "( (a @x=/>) (b))", {"1:9 unterminated attribute quote"}},
+               {"<a x y/><b/>", "( (a) (b))", {"1:9 missing attribute assignment"}},
+               {"<a x=1/><b/>", "( (a) (b))", {"1:9 missing attribute value quote"}},
+               {"<a/x='1'/><b/>", "( (a) (b))"},
+               {"<a/ ><b/>", "( (a (b)))"}});
+}
+
 TEST(NativeParser, EndsTheAttributesAtASlashOrAQuestionMark) {
   expect_rows({{"<a b='1'/c='2'></a>", "( (a @b=1))"}, {"<a b='1'?c='2'></a>", "( (a @b=1))"}});
 }
@@ -141,6 +149,7 @@ TEST(NativeParser, DropsAnUnknownDeclarationButForItsBracket) {
   expect_rows({{"<a><!FOO></a>", "( (a content=[>]))"},
                {"<a><!FOO>bar</a>", "( (a content=[>bar]))"},
                {"<!FOO", "()"},
+               {"<a><!-x --></a>", "( (a content=[>]))"},
                {"<!DOCTYPE><a/>", "( (a leading=[>]))"},
                {"<!doctype a><a/>", "( (a leading=[>]))"}});
 }
@@ -157,12 +166,15 @@ TEST(NativeParser, KeepsCommentsAsText) {
 TEST(NativeParser, KeepsUnknownInstructionsAsText) {
   expect_rows({{"<r><?php a?></r>", "( (r content=[<?php a?>]))"},
                {"<?xmlx a?><r/>", "( (r leading=[<?xmlx a?>]))"},
+               {"<?xml-style a?><r/>", "( (r leading=[<?xml-style a?>]))"},
+               {"<?xml-stylesheets a?><r/>", "( (r leading=[<?xml-stylesheets a?>]))"},
                {"<?XML version='1.0'?><r/>", "( (r leading=[<?XML version='1.0'?>]))"}});
 }
 
 TEST(NativeParser, KeepsOneCdataSectionWithoutItsMarkers) {
   expect_rows({{"<a><![CDATA[x]]></a>", "( (a content=[x] cdata))"},
                {"<a><![CDATA[x > <b/> ]> ]]></a>", "( (a content=[x > <b/> ]> ] cdata))"},
+               {"<a><![CDATA[x]><b/>]]></a>", "( (a content=[x]><b/>] cdata))"},
                {"<a><![CDATA[]]></a>", "( (a cdata))"},
                {"<a><![CDATA[x</a>", "( (a trailing=[<![CDATA[x</a>]))"}});
 }
@@ -242,6 +254,7 @@ TEST(NativeParser, ReadsTheDocumentType) {
               {"<!DOCTYPE a SYSTEM \"s\">", "a", "s", ""},
               {"<!DOCTYPE a PUBLIC \"p\" \"s\"?>", "a", "p", "s"},
               {"<!DOCTYPE a PUBLIC p>", "a", "", ""},
+              {"<!DOCTYPE \xE4 PUBLIC 'p'>", "\xE4", "p", ""},
               {"<!DOCTYPE a PUBLIC \"p>", "a", "", ""},
               {"<!DOCTYPE ", "", "", ""}};
   for (const auto& row : rows) {
@@ -269,7 +282,10 @@ TEST(NativeParser, TakesAFileThatSaysSoAsUtf8) {
   const std::string tree = "( (a @x=\xE4 content=[\xE2\x82\xAC]))";
   expect_rows({{kUtf8Declaration + a, tree},
                {"<?xml encoding='UTF-8'?>" + a, tree},
-               {"\xEF\xBB\xBF" + a, tree}});
+               {"\xEF\xBB\xBF" + a, tree},
+               {"\xEF\xBB\xBF<?xml version='1.0'?>" + a, tree},
+               {"\xEF\xBB\xBF<?xml encoding=''?>" + a, tree},
+               {std::string(kUtf8Declaration) + "<?xml encoding=''?>" + a, tree}});
   EXPECT_EQ(read_text(kUtf8Declaration + a)->root().text(), "\x80");
 }
 

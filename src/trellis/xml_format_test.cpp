@@ -45,10 +45,13 @@ TEST(XMLFormat, SaysYesToStandaloneWhateverIsSaid) {
 }
 
 TEST(XMLFormat, PrintsAByteOrderMark) {
+  ORLO::forget_failed_assertions();
+  const ORLO::TestReports reports;
   XMLFormat format;
   format._utf8_bom = true;
   format._encoding = "UTF-8";
   EXPECT_EQ(header(format, false), "\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"UTF-8\"?>");
+  EXPECT_TRUE(reports.shown.empty());
 }
 
 TEST(XMLFormat, FailsAnAssertionAtAMarkWithAnotherEncodingAndGoesOn) {
