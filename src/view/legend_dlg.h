@@ -13,6 +13,7 @@ class LegendDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORLO::
   LegendDlg(HWND window, const Resources& resources);
 
   LRESULT Notify(unsigned id, NMHDR* header) override;
+  LRESULT Init(HWND focus_window) override;
 
   /// Returns when the user has closed it.
   static void show(const Resources& resources, HWND owner);

@@ -2,6 +2,7 @@
 
 #include <iterator>
 
+#include "orlo/window_helpers.h"
 #include "view/legend.h"
 #include "view/resource_ids.h"
 
@@ -52,6 +53,11 @@ LRESULT LegendDlg::Notify(unsigned id, NMHDR* header) {
     return Base::Notify(id, header);
   }
   return set_result(draw(*reinterpret_cast<NMLVCUSTOMDRAW*>(header)));
+}
+
+LRESULT LegendDlg::Init(HWND focus_window) {
+  ORLO::center_window(_hwnd);
+  return Base::Init(focus_window);
 }
 
 LRESULT LegendDlg::draw(NMLVCUSTOMDRAW& draw) const {

@@ -80,6 +80,15 @@ def legend(request, desk):
     desk.end_programs()
 
 
+def test_it_opens_over_the_middle_of_the_main_window(legend):
+    def middle(window):
+        left, top, right, bottom = window["frame"]
+        return (left + right) // 2, (top + bottom) // 2
+
+    own, owner = middle(legend.ask("window")), middle(legend.program.window())
+    assert all(abs(a - b) <= 1 for a, b in zip(own, owner)), (own, owner)
+
+
 def test_it_holds_the_samples(legend):
     rows = [row["cells"] for row in legend.ask("list-rows", LEGEND_LIST)]
     assert rows == [
