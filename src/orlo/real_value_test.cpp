@@ -31,5 +31,16 @@ TEST(RealValue, IsInfiniteOrZeroBeyondItsRange) {
   EXPECT_EQ(real_value("1e-400"), 0);
 }
 
+TEST(RealValue, TellsTooLargeFromTooSmallByAllItsDigits) {
+  const std::string zeros(400, '0');
+  for (const std::string& large :
+       {"1" + zeros, "1" + zeros + "e-5", "0.1e+9" + zeros, "12" + zeros + ".5x"})
+    EXPECT_EQ(real_value(large.c_str()), HUGE_VAL) << large;
+  for (const std::string& small :
+       {"0." + zeros + "1", "." + zeros + "1e+5", "1e-9" + zeros, zeros + ".1e-400"})
+    EXPECT_EQ(real_value(small.c_str()), 0) << small;
+  EXPECT_EQ(real_value(("1" + zeros + "e-400").c_str()), 1);
+}
+
 }  // namespace
 }  // namespace ORLO
