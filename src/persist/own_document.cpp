@@ -1,6 +1,9 @@
 #include "persist/own_document.h"
 
+#include <exception>
+
 #include "inventory/text_helpers.h"
+#include "orlo/exception.h"
 #include "orlo/folders.h"
 #include "trellis/xml_reader.h"
 
@@ -30,7 +33,14 @@ bool read_own_document(const String& path, Trellis::XMLDoc& doc) {
   Trellis::tifstream stream(path.c_str());
   if (!stream) return false;
   Trellis::XMLReader reader(doc, stream);
-  return doc.read(reader, path.c_str());
+  try {
+    return doc.read(reader, path.c_str());
+  } catch (const ORLO::SDKException&) {
+    // It is larger than the memory, as the new-handler tells that.
+  } catch (const std::exception&) {
+    // Likewise without the handler, which isn't there yet when the settings are read.
+  }
+  return false;
 }
 
 const Trellis::XMLNode* own_root(const Trellis::XMLDoc& doc) {

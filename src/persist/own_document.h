@@ -15,7 +15,7 @@ inline constexpr char kDocumentVersion[] = "5.3";
 /// nothing and says nothing.
 std::unique_ptr<Trellis::XMLWriter> create_own_document(const String& path);
 
-/// Reads a file; false if there is none or it is malformed.
+/// Reads a file; false if there is none, or it is malformed or larger than the memory.
 bool read_own_document(const String& path, Trellis::XMLDoc& doc);
 
 /// The root element; null without one.

@@ -14,6 +14,7 @@ from support.watching import PLACES, shows_by_itself
 
 GOLDEN = Path(__file__).parent / "golden/history.xml"
 QUIET = "-noupdate"
+WM_CLOSE, WM_QUIT, WM_COMMAND = 0x10, 0x12, 0x111
 BOX_LIMIT = 30000
 
 # Dates far from any key's last write, so that they stay as they are told.
@@ -73,7 +74,7 @@ def answer_boxes_until_filled(memory, program):
     def filled():
         for window in memory.desk.windows_of(program.pid):
             if window["class"] == WINDOW_CLASS and window["handle"] != program.handle:
-                memory.driver("post", window["handle"], 0x0111, 1, 0)
+                memory.driver("post", window["handle"], WM_COMMAND, 1, 0)
         return program.status() == f"{len(KEYS)} / {len(KEYS)} packages"
 
     eventually(filled, "the list is filled")
@@ -161,7 +162,7 @@ def test_a_package_that_arrives_shows_as_new(memory):
     program = held.start("hold@source4 fail@source5", persist=True)
     program.wait_filled(len(KEYS))
     memory.set("user", "Gamma", "Comments", "now")
-    held.reached()
+    shows_by_itself(memory.desk, "user", held.has_reached, "the second pass")
     memory.set("local", "Delta", "DisplayName", "Delta")
     held.go()
     box = held.wait_for_box(program.pid)
@@ -218,6 +219,14 @@ def test_a_file_that_is_no_history_is_replaced(files, content):
     assert files.content() == GOLDEN.read_bytes()
 
 
+def test_a_history_larger_than_the_memory_is_none_and_is_replaced(files):
+    files.file.parent.mkdir()
+    with files.file.open("wb") as file:
+        file.truncate(3 << 29)
+    assert files.run() == {}
+    assert files.content() == GOLDEN.read_bytes()
+
+
 @pytest.mark.parametrize("part", [0.1, 0.3, 0.5, 0.7, 0.97])
 def test_after_a_cut_history_it_starts_and_leaves_a_good_one(files, part):
     files.file.parent.mkdir()
@@ -237,7 +246,7 @@ def test_an_unknown_attribute_is_told_and_the_list_stays_empty_until_a_refresh(f
     box = files.driver("wait-window", program.pid, WINDOW_CLASS, "Exception", BOX_LIMIT)["handle"]
     texts = [control["text"] for control in files.driver("controls", box)]
     assert any("column not found" in text for text in texts), texts
-    files.driver("post", box, 0x0111, 1, 0)
+    files.driver("post", box, WM_COMMAND, 1, 0)
     files.driver("wait-gone", box, BOX_LIMIT)
     assert names(program) == []
     program.press_key("F5")
@@ -245,6 +254,29 @@ def test_an_unknown_attribute_is_told_and_the_list_stays_empty_until_a_refresh(f
     assert marks(program) == {}
     assert program.close() == 0
     assert files.content() == GOLDEN.read_bytes()
+
+
+def test_after_an_unknown_attribute_it_ends_as_ever_and_leaves_the_file(files):
+    files.run()
+    foreign = GOLDEN.read_bytes().replace(b"<row ", b"<row colour=\"red\" ", 1)
+    files.file.write_bytes(foreign)
+    program = files.open(count=None)
+    box = files.driver("wait-window", program.pid, WINDOW_CLASS, "Exception", BOX_LIMIT)["handle"]
+    files.driver("post", box, WM_COMMAND, 1, 0)
+    files.driver("wait-gone", box, BOX_LIMIT)
+    assert program.close() == 0
+    assert files.content() == foreign
+
+
+def test_rows_that_nobody_has_written_do_no_harm(files):
+    foreign = b"".join(b"<row keyName=\"%d\" size=\"%d\"><row MSI=\"1\"/></row>" % (number, number ** 9)
+                       for number in range(20000))
+    foreign += b"<row keyName=\"a\0b\" comments=\"" + b"x" * 1000000 + b"\" comments=\"\"/>"
+    files.file.parent.mkdir()
+    content = GOLDEN.read_bytes().replace(b"<last-entries>", b"<last-entries>" + foreign)
+    files.file.write_bytes(content)
+    assert files.run() == {}
+    assert files.content() == content
 
 
 def test_without_the_folder_of_the_user_nothing_is_written_anywhere(memory):
@@ -304,10 +336,70 @@ def test_a_close_during_the_first_pass_leaves_a_whole_history(files):
     held = HeldDesk(files.desk, BINARIES / "zolvane-held.exe")
     program = held.start("hold@source2", persist=True)
     held.reached()
-    program.ask("post", 0x0010, 0, 0)
+    program.ask("post", WM_CLOSE, 0, 0)
     held.go()
     assert program.exit_code() == 0
     assert files.content() == GOLDEN.read_bytes()
+
+
+POINTS = ["source2", "hand-over"]
+
+
+@pytest.fixture
+def hold_with_news(memory):
+    """Starts the program with a history that knows nothing of Delta, to be held at a point."""
+    memory.run()
+    memory.set("user", "Delta", "DisplayName", "Delta")
+    held = HeldDesk(memory.desk, BINARIES / "zolvane-held.exe")
+
+    def hold(point):
+        program = held.start(f"hold@{point}", persist=True)
+        held.reached()
+        return held, program
+
+    return hold
+
+
+@pytest.mark.parametrize("point", POINTS)
+def test_a_close_in_the_middle_still_keeps_the_news(memory, hold_with_news, point):
+    held, program = hold_with_news(point)
+    program.ask("post", WM_CLOSE, 0, 0)
+    held.go()
+    assert program.exit_code() == 0
+    assert b"Delta" in memory.content()
+    assert memory.run(count=4) == {}
+
+
+@pytest.mark.parametrize("point", POINTS)
+def test_a_refresh_in_the_middle_accepts_the_present_state(memory, hold_with_news, point):
+    held, program = hold_with_news(point)
+    program.ask("post", WM_COMMAND, REFRESH, 0)
+    held.go()
+    eventually(lambda: b"Delta" in memory.content() and program.status() == "4 / 4 packages"
+               and marks(program) == {}, "all is there, without a mark")
+    assert program.close() == 0
+    assert memory.run(count=4) == {}
+
+
+def test_a_quit_in_the_middle_of_a_pass_leaves_the_news_to_the_next_run(memory, hold_with_news):
+    held, program = hold_with_news("source2")
+    program.ask("post-thread", WM_QUIT)
+    held.go()
+    assert program.exit_code() == 0
+    assert memory.content() == GOLDEN.read_bytes()
+    assert memory.run(count=4) == {"Delta": "new"}
+
+
+def test_a_pass_that_fails_leaves_the_history_alone(files):
+    files.run()
+    held = HeldDesk(files.desk, BINARIES / "zolvane-held.exe")
+    program = held.start("fail@source1", persist=True)
+    box = held.wait_for_box(program.pid)
+    program.ask("post", WM_CLOSE, 0, 0)
+    held.answer_box(box)
+    assert program.exit_code() == 0
+    assert files.content() == GOLDEN.read_bytes()
+    assert files.run() == {}
 
 
 def test_the_language_of_the_texts_changes_no_package(files):

@@ -160,6 +160,16 @@ def test_it_starts_in_the_middle_with_settings_that_are_none(settings, content):
     assert settings.content() == text_of(PLACE)
 
 
+def test_it_starts_with_settings_that_are_larger_than_its_memory(settings):
+    settings.file.parent.mkdir()
+    with settings.file.open("wb") as file:
+        file.truncate(3 << 29)
+    program = settings.open()
+    move(program, PLACE)
+    assert program.close() == 0
+    assert settings.content() == text_of(PLACE)
+
+
 @pytest.mark.parametrize("part", [0.2, 0.4, 0.6, 0.8, 0.97])
 def test_after_a_cut_it_starts_and_leaves_good_settings(settings, part):
     settings.file.parent.mkdir()

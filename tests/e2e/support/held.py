@@ -1,6 +1,6 @@
 """The program stopped, or failing, in the middle of what it does (zolvane-held.exe)."""
 
-from .program import TITLE, WINDOW_CLASS, Desk, Program, eventually
+from .program import TITLE, WINDOW_CLASS, Desk, DriverError, Program, eventually
 
 BOX_LIMIT = 30000
 
@@ -30,6 +30,13 @@ class HeldDesk:
     def reached(self):
         """Waits until the program stands at a point where it is held."""
         self.driver("event-wait", "zolvane-held-reached", 30000)
+
+    def has_reached(self):
+        """Whether it stands at one by now; tells each only once."""
+        try:
+            return self.driver("event-wait", "zolvane-held-reached", 0)
+        except DriverError:
+            return False
 
     def go(self):
         self.driver("event-set", "zolvane-held-go")
