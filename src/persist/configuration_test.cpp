@@ -2,7 +2,6 @@
 
 #include <set>
 
-#include "orlo/report.h"
 #include "persist/own_document_test_support.h"
 
 namespace {
@@ -157,7 +156,7 @@ TEST_F(ConfigurationTest, FileThatCannotBeWrittenIsNoTrouble) {
 TEST_F(ConfigurationTest, EveryCutOfTheFileLeavesSettingsThatWork) {
   writeConfiguration(para_);
   const std::string whole = content();
-  ORLO::set_report_sink([](const String&, const String&) {});
+  const NoReports quiet;
   for (size_t length = 0; length < whole.size(); ++length) {
     SCOPED_TRACE(whole.substr(0, length));
     para_.windowPos = "5/6/7/8 - 1";
@@ -173,7 +172,39 @@ TEST_F(ConfigurationTest, EveryCutOfTheFileLeavesSettingsThatWork) {
     writeConfiguration(para_);
     EXPECT_TRUE(readConfiguration(para_));
   }
-  ORLO::set_report_sink({});
+}
+
+TEST_F(ConfigurationTest, DamagedFileLeavesSettingsThatWork) {
+  writeConfiguration(para_);
+  const std::string whole = content();
+  const NoReports quiet;
+  std::mt19937 random(20091124);
+  size_t untouched = 0;
+  for (int round = 0; round < 1000; ++round) {
+    const std::string file = damaged(whole, random);
+    SCOPED_TRACE(file);
+    para_.windowPos = "5/6/7/8 - 1";
+    para_.langId = kLangEnglish;
+    para_.colorBackground = false;
+    if (!read(file)) {
+      ++untouched;
+      ASSERT_EQ(settings(), "5/6/7/8 - 1|9|plain");
+    }
+    writeConfiguration(para_);
+    ASSERT_TRUE(readConfiguration(para_));
+    const std::string kept = settings();
+    writeConfiguration(para_);
+    ASSERT_TRUE(readConfiguration(para_));
+    ASSERT_EQ(settings(), kept);
+  }
+  EXPECT_GT(untouched, 100u);
+}
+
+TEST_F(ConfigurationTest, FirstOfElementsWithOneNameCounts) {
+  EXPECT_TRUE(
+      read(own_document("<ui lang-id=\"9\"/><ui lang-id=\"7\" window-pos=\"5/6/7/8 - 1\"/>"
+                        "<flags/><flags color-bkgnd=\"true\"/>")));
+  EXPECT_EQ(settings(), "|9|plain");
 }
 
 }  // namespace
