@@ -73,6 +73,17 @@ TEST_F(HistoryMergeTest, UpdateAddressAndKeyHaveTheSameBit) {
   EXPECT_EQ(mark(name), 1);
 }
 
+TEST_F(HistoryMergeTest, PackageOfWhichAllIsOtherIsMarkedAsANewOne) {
+  Row row = package("App");
+  for (size_t index = 0; index < kPackageColumns; ++index) {
+    const auto column = static_cast<PackageColumn>(index);
+    if (column != PackageColumn::keyName && column != PackageColumn::HKEY_ROOT)
+      cell(row, column).text = "7";
+  }
+  history_.mark(row);
+  EXPECT_EQ(cell(row, PackageColumn::changed).integer(), -1);
+}
+
 TEST_F(HistoryMergeTest, NewDateOfLastUseIsAChange) {
   Row row = package("App");
   cell(row, PackageColumn::lastUseDate).text = "13.01.2009 08:00:00";
@@ -88,6 +99,7 @@ TEST_F(HistoryMergeTest, OnlyTheTextsOfCellsCount) {
 
 TEST_F(HistoryMergeTest, WithoutBaselineNothingIsMarkedButTheStateIsWorthKeeping) {
   history_.forget();
+  EXPECT_EQ(history_.lastEntries.size(), 0u);
   EXPECT_EQ(mark(package("Other")), 0);
   EXPECT_EQ(mark(package("App")), 0);
   EXPECT_TRUE(history_.end_cycle(inventory_));
