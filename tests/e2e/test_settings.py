@@ -5,7 +5,8 @@ import shutil
 import pytest
 
 from conftest import GERMAN, SCREENSHOTS
-from support.program import eventually
+from support.held import BOX_LIMIT
+from support.program import WINDOW_CLASS, Program, eventually
 from support.registry import Key
 from support.screen import SIZE
 
@@ -158,6 +159,21 @@ def test_it_starts_in_the_middle_with_settings_that_are_none(settings, content):
     move(program, PLACE)
     assert program.close() == 0
     assert settings.content() == text_of(PLACE)
+
+
+def test_an_end_tag_too_many_is_told_before_there_is_a_window_and_passed_over(settings):
+    settings.file.parent.mkdir()
+    settings.file.write_text("</zolvane>" + text_of(PLACE, language=7))
+    pid = settings.desk.start("-noupdate")
+    driver = settings.desk.driver
+    box = driver("wait-window", pid, WINDOW_CLASS, "Exception", BOX_LIMIT)["handle"]
+    assert [window["handle"] for window in settings.desk.windows_of(pid)] == [box]
+    driver("post", box, 0x111, 1, 0)
+    program = Program(driver, settings.screen, pid)
+    program.wait_for_status(FILLED["german"])
+    assert program.window()["frame"] == list(PLACE)
+    assert program.close() == 0
+    assert settings.content() == text_of(PLACE, language=7)
 
 
 def test_it_starts_with_settings_that_are_larger_than_its_memory(settings):
