@@ -883,6 +883,23 @@ TEST_F(RefreshCycleTest, ReadingAfreshAcceptsThePresentState) {
   EXPECT_EQ(history_.lastEntries.size(), 2u);
 }
 
+TEST_F(RefreshCycleTest, ReadingAfreshForgetsWhatAFailingPassDoesNotReadAgain) {
+  for (const char* name : {"a", "b"})
+    registry_.create(kUser + kUninstall + name);
+  bool failing = false;
+  HookedRegistry hooked(registry_, [&](const std::string& operation, uint32_t index) {
+    if (failing && operation == "subkey_at" && index == 1) throw ORLO::UserException("broken");
+  });
+  start(hooked);
+  run();
+  failing = true;
+  view_.marks.clear();
+  cycle_->requestAfresh();
+  EXPECT_EQ(view_.marks, (Marks{0}));
+  EXPECT_EQ(current_.size(), 1u);
+  reader_.reset();
+}
+
 TEST_F(RefreshCycleTest, CycleWhoseRowsWereForgottenIsNoBaseline) {
   registry_.create(kUser + kUninstall + "App");
   start();

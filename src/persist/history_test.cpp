@@ -178,6 +178,14 @@ TEST_F(HistoryTest, LineEndsAndTabsComeBackAndOtherControlsAreNumbers) {
             "HKEY_ROOT=-2147483646/-2147483646 displayName=1\t2\n3\r4&#7;5/0 keyName=a/0 \n");
 }
 
+TEST_F(HistoryTest, NulIsWrittenAsANumberLikeOtherControls) {
+  Row row = make_package_row();
+  cell(row, Column::displayName).text = String(std::string("a\0b", 3));
+  table_.addRow(row);
+  write_history(table_, path_);
+  EXPECT_EQ(content(), rows_document("<row displayName=\"a&#0;b\"/>"));
+}
+
 TEST_F(HistoryTest, RandomTablesComeBack) {
   std::mt19937 random(20091124);
   const std::string alphabet = "ab<>&\"'; \t\n#xA\xe4\xf6\xfc\xdf\x80\xff";
