@@ -92,6 +92,7 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   bool readHistory();
   /// Stops the threads and keeps what lasts. Does nothing the second time.
   void shut_down();
+  void keep_settings() noexcept;
 
   // RefreshFrame
   void forget_entries() override;

@@ -325,8 +325,18 @@ void UninstallDlg::shut_down() {
   if (std::exchange(shut_down_, true)) return;
   cycle_.end();
   reader_.stop(ORLO::ActiveObject::WaitMode::pump);
-  keep_window_place(_hwnd, run_.windowPos);
-  if (!run_.noPersist) writeConfiguration(run_);
+  keep_settings();
+}
+
+void UninstallDlg::keep_settings() noexcept {
+  try {
+    keep_window_place(_hwnd, run_.windowPos);
+    if (!run_.noPersist) writeConfiguration(run_);
+  } catch (const ORLO::Exception&) {
+    // Lost without a word, like what a full disk refuses: the window closes in any case.
+  } catch (const std::exception&) {
+    // Likewise.
+  }
 }
 
 void UninstallDlg::EndDialog(INT_PTR result) {
