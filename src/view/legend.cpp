@@ -9,7 +9,6 @@
 
 namespace {
 
-constexpr int kNameColumn = 0;
 constexpr int kSortColumn = 1;
 constexpr int kSearchedRow = 3;
 constexpr int kSearchedColumn = 2;

@@ -1,11 +1,13 @@
 #include "view/uninstall_dlg.h"
 
 #include <algorithm>
+#include <exception>
 #include <iterator>
 #include <optional>
 #include <utility>
 #include <vector>
 
+#include "orlo/exception.h"
 #include "orlo/window_helpers.h"
 #include "persist/configuration.h"
 #include "persist/history.h"
