@@ -5,7 +5,7 @@ import itertools
 import pytest
 
 from support import orders
-from support.program import ALL_PACKAGES, SEARCH, eventually
+from support.program import ALL_PACKAGES, LIST, SEARCH, eventually
 from support.registry import SZ, UNINSTALL, Key
 
 SHOW_ALL_COLUMNS = 2017
@@ -107,10 +107,11 @@ def test_every_order_keeps_every_row(program):
 
 def test_every_row_can_be_chosen_and_stays_chosen(program):
     search(program, "")
-    for name in program.column(0):
-        program.choose_row(program.column(0).index(name))
-        assert program.chosen_row() == name
-    program.choose_row(program.column(0).index("megabyte"))
+    names = program.column(0)
+    for row, name in enumerate(names):
+        program.choose_row(row)
+        assert program.ask("list-state", LIST)["selected"] == row, name
+    program.choose_row(names.index("megabyte"))
     assert search(program, "xxxx") == ["megabyte", "megabyte too"]
     assert program.chosen_row() == "megabyte"
     assert program.ask("text", 1002) == "Megabyte"

@@ -62,11 +62,11 @@ class Memory:
 
 def marks(program):
     """What the column of changes says of each package that it says something of."""
-    return {row[2]: row[-1] for row in program.steady_rows() if row[-1]}
+    return {row[2]: row[-1] for row in program.rows() if row[-1]}
 
 
 def names(program):
-    return [row[2] for row in program.steady_rows()]
+    return [row[2] for row in program.rows()]
 
 
 def answer_boxes_until_filled(memory, program):
@@ -148,7 +148,7 @@ def test_what_changes_meanwhile_shows_without_a_mark(memory):
     program = memory.open()
     memory.set("local64", "Beta", "Comments", "now")
     shows_by_itself(memory.desk, "local64",
-                    lambda: any("now" in row for row in program.steady_rows()), "the comment")
+                    lambda: any("now" in row for row in program.rows()), "the comment")
     # The package has its line, and with it no mark.
     assert marks(program) == {}
     assert program.close() == 0

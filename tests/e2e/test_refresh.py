@@ -17,7 +17,7 @@ def set_value(desk, place, key, name, text):
 
 
 def names(program):
-    return [row[2] for row in program.steady_rows()]
+    return [row[2] for row in program.rows()]
 
 
 @pytest.fixture

@@ -34,7 +34,7 @@ def set_name(desk, place, key, text):
 
 
 def names(program):
-    return {row[2] for row in program.steady_rows()}
+    return {row[2] for row in program.rows()}
 
 
 @pytest.fixture(scope="module")

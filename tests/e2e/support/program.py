@@ -67,23 +67,23 @@ class Program:
     def status(self):
         return self.ask("text", STATUS)
 
-    def rows(self):
-        """The texts of every row, from the top."""
-        return [row["cells"] for row in self.ask("list-rows", LIST)]
-
-    def steady_rows(self):
-        """As rows(), asked again where the list has changed while it was read, row by row."""
-        def read():
+    def ask_list(self, command, *arguments):
+        """What the driver reads row by row: asked again where the list has changed meanwhile."""
+        def answer():
             try:
-                return [self.rows()]
+                return [self.ask(command, LIST, *arguments)]
             except DriverError:
                 return None
 
-        return eventually(read, "the list stays as it is while it is read")[0]
+        return eventually(answer, "the list stays as it is while it is read")[0]
+
+    def rows(self):
+        """The texts of every row, from the top."""
+        return [row["cells"] for row in self.ask_list("list-rows")]
 
     def column(self, number):
         """The texts of one column, from the top."""
-        return self.ask("list-column", LIST, number)
+        return self.ask_list("list-column", number)
 
     def select_type(self, index):
         self.ask("combo-select", TYPE, index)
@@ -95,7 +95,7 @@ class Program:
 
     def chosen_row(self):
         """The first text of the selected row, None for none."""
-        return next((row["cells"][0] for row in self.ask("list-rows", LIST) if row["selected"]),
+        return next((row["cells"][0] for row in self.ask_list("list-rows") if row["selected"]),
                     None)
 
     def columns(self):
