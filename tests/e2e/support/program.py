@@ -16,7 +16,7 @@ MICROSOFT = 1028
 STATUS = 1031
 GROUP = 1040
 
-ALL_PACKAGES = 4
+NORMAL_PACKAGES, ALL_PACKAGES = 0, 4
 
 
 def eventually(condition, what, limit=30):
