@@ -233,13 +233,14 @@ bool is_ascii(std::string_view text) noexcept {
 
 TL_String to_utf8(const char* text, size_t length) {
   if (is_ascii({text, length})) return TL_String(text, length);
-  if (!forms().single_bytes()) {
+  const Forms& form = forms();
+  if (!form.single_bytes()) {
     return encode_utf8(ORLO::system_locale().widen(text, length));
   }
   TL_String result;
   result.reserve(2 * length);
   for (const char c : std::string_view(text, length))
-    result += forms().utf8(c);
+    result += form.utf8(c);
   return result;
 }
 
