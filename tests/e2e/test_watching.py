@@ -35,7 +35,7 @@ def set_name(desk, place, key, text):
 
 
 def names(program):
-    return {row[2] for row in program.rows()}
+    return set(program.column(2))
 
 
 @pytest.fixture(scope="module")
