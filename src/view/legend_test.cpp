@@ -91,6 +91,12 @@ TEST(Legend, TakesTheBeginningOfANameInAnyCase) {
   expect_paint("a new thing", "", 1, {kSystem.window_text, kSortCream, CellFont::any});
 }
 
+TEST(Legend, TakesTheSearchedTextOnlyAsAWhole) {
+  expect_paint("Application", "Suchtext", 2, {kSearchRed, kSystem.window, CellFont::any});
+  for (const char* text : {"Suchtexte", "ein Suchtext", "Such", ""})
+    expect_paint("Application", text, 2, {kSystem.window_text, kSystem.window, CellFont::any});
+}
+
 TEST(Legend, KeepsTheOrderOfItsRules) {
   expect_paint("new Microsoft Patch", "Suchtext", 0, {kSearchRed, kChangeYellow, CellFont::bold});
   expect_paint("new Patch", "", 1, {kSubPackageGrey, kChangeYellow, CellFont::bold});

@@ -320,6 +320,11 @@ TEST_F(RowColorsTest, SortColumnIsCreamAndTheNextIsTheWindowsColour) {
                                                       : plain();
     EXPECT_EQ(cell(id, column), wanted) << column;
   }
+  // The other way round.
+  sort_by(kVersion);
+  ASSERT_EQ(model_.sort_state().descending, 1);
+  EXPECT_EQ(cell(id, kVersion), on(kSortCream));
+  EXPECT_EQ(cell(id, kVersion + 1), on(kSystem.window));
   sort_by(0);
   EXPECT_EQ(cell(id, 0), on(kSortCream));
   EXPECT_EQ(cell(id, 1), on(kSystem.window));
