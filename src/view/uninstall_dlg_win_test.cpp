@@ -187,6 +187,65 @@ TEST_F(UninstallDlgTest, ColourCommandSwitchesTheDrawingAndHasTheListDrawnAnew) 
   }
 }
 
+/// Counts what a window is told to draw while this lives. One at a time.
+class DrawingWatch {
+ public:
+  explicit DrawingWatch(HWND window) : window_(window) {
+    erasures = paints = 0;
+    previous = reinterpret_cast<WNDPROC>(
+        SetWindowLongPtrA(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&DrawingWatch::look)));
+  }
+  ~DrawingWatch() {
+    SetWindowLongPtrA(window_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(previous));
+  }
+  DrawingWatch(const DrawingWatch&) = delete;
+  DrawingWatch& operator=(const DrawingWatch&) = delete;
+
+  static inline int erasures = 0;
+  static inline int paints = 0;
+
+ private:
+  static LRESULT CALLBACK look(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_ERASEBKGND) ++erasures;
+    if (message == WM_PAINT) ++paints;
+    return CallWindowProcA(previous, window, message, wparam, lparam);
+  }
+
+  static inline WNDPROC previous = nullptr;
+  const HWND window_;
+};
+
+TEST_F(UninstallDlgTest, ColourCommandHasTheListsGroundErasedToo) {
+  UpdateWindow(list);
+  const DrawingWatch watch(list);
+  UpdateWindow(list);
+  ASSERT_EQ(DrawingWatch::paints, 0);
+  SendMessageA(window, WM_COMMAND, ID_COLOR_BACKGROUND, 0);
+  UpdateWindow(list);
+  EXPECT_EQ(DrawingWatch::paints, 1);
+  EXPECT_EQ(DrawingWatch::erasures, 1);
+}
+
+TEST_F(UninstallDlgTest, APackageThatComesIsYellowUntilTheNextPass) {
+  add("Cedar", u"Cedar", u"20260109");
+  SendMessageA(window, WM_APP, 0, 0);
+  ASSERT_EQ(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0), 3);
+  const auto ground_of_first_line = [&] {
+    NMLVCUSTOMDRAW drawing = {};
+    drawing.nmcd.dwDrawStage = CDDS_ITEMPREPAINT;
+    drawing.nmcd.lItemlParam = id_at(0);
+    drawing.clrTextBk = CLR_NONE;
+    notify(drawing, drawing.nmcd.hdr, list, NM_CUSTOMDRAW);
+    return drawing.clrTextBk;
+  };
+  EXPECT_EQ(ground_of_first_line(), kChangeYellow);
+  UpdateWindow(list);
+  const DrawingWatch watch(list);
+  SendMessageA(window, WM_APP, 0, 0);
+  EXPECT_EQ(ground_of_first_line(), CLR_NONE);
+  EXPECT_GE(DrawingWatch::paints, 1);
+}
+
 TEST_F(UninstallDlgTest, AChosenSortColumnHasASingleLineDrawnAnew) {
   registry.remove(kUninstall + "Alder");
   SendMessageA(window, WM_COMMAND, IDC_REFRESH, 0);
