@@ -12,9 +12,10 @@ from support.program import ALL_PACKAGES, LIST, REFRESH, SEARCH, eventually
 from support.registry import Key, reg_text
 
 SHOW_ALL_COLUMNS, COLORS = 2017, 32784
-LVM_SETCOLUMNWIDTH = 0x1000 + 30
+LVM_SCROLL, LVM_SETCOLUMNWIDTH = 0x1000 + 20, 0x1000 + 30
 
-NAME, SOURCE, PROGRAM, VERSION, PARENT_ENTRY = range(5)
+NAME, SOURCE, PROGRAM, VERSION, PARENT_ENTRY, PARENT = range(6)
+UPDATE_URL, CHANGES = 29, 30
 # Wide enough for every text in bold.
 WIDTHS = {NAME: 180, SOURCE: 130, PROGRAM: 260, VERSION: 110, PARENT_ENTRY: 110, 5: 110, 6: 110}
 COLUMNS = range(len(WIDTHS))
@@ -267,13 +268,12 @@ def changed_version(make_desk):
         desk.end_programs()
 
 
-def expect_grounds(program, grounds):
-    """Of name and version of the only row."""
+def expect_grounds(program, grounds, row=0, columns=(PROGRAM, VERSION)):
+    """Of name and version of the only row, or of others."""
     seen = []
 
     def are_these():
-        rects = [program.ask("list-cell-rect", LIST, 0, column)["screen"]
-                 for column in (PROGRAM, VERSION)]
+        rects = [program.ask("list-cell-rect", LIST, row, column)["screen"] for column in columns]
         picture = program.picture()
         seen.append([Look.of(picture, rect).ground for rect in rects])
         return seen[-1] == grounds
@@ -297,6 +297,25 @@ def test_a_single_row_shows_its_sort_column_at_once(changed_version):
     program.activate()
     desk.screen.click((left + right) // 2, (top + bottom) // 2)
     expect_grounds(program, [WHITE, CREAM])
+
+
+def test_the_shade_ends_with_its_column_where_the_next_is_hidden(changed_version):
+    _, program = changed_version
+    program.ask("command", REFRESH)
+    assert program.columns()[PARENT_ENTRY]["width"] == 0
+    program.click_header(VERSION)
+    expect_grounds(program, [WHITE, CREAM, WHITE], columns=(PROGRAM, VERSION, PARENT))
+
+
+def test_behind_the_last_column_the_next_row_begins_without_its_shade(make_desk):
+    with make_desk([Package(name).key(last_run=False) for name in ("Alder", "Birch")]) as desk:
+        program = desk.open("-eng", "-noupdate", "-nopersist")
+        program.wait_filled(2)
+        program.click_header(CHANGES)
+        expect_grounds(program, [WHITE, CREAM], row=1, columns=(UPDATE_URL, CHANGES))
+        program.send_to(LIST, LVM_SCROLL, -10000 & 0xffffffff)
+        expect_grounds(program, [WHITE, WHITE], row=1)
+        desk.end_programs()
 
 
 def test_the_switch_outlasts_the_program_even_where_that_is_killed(changed_version):

@@ -21,6 +21,8 @@ TEXTS = {
 }
 GRIDLINES_FULLROWSELECT = 0x1 | 0x20
 
+BUTTON_REST, BUTTON_ACTIVE = (0, 0, 128), (0, 0, 255)
+
 # Ground and text of each cell; None where nothing is written.
 PAINTS = [
     [(YELLOW, BLACK), (YELLOW, BLACK), (YELLOW, None)],
@@ -132,6 +134,22 @@ def test_its_samples_are_painted_by_the_rules(legend):
 def test_it_is_modal_and_belongs_to_the_window(legend):
     assert legend.window()["owner"] == legend.program.handle
     assert not legend.program.window()["enabled"]
+
+
+def colours(picture, rect):
+    left, top, right, bottom = rect
+    return {colour for y in range(top, bottom) for colour in picture.row(y, left, right)}
+
+
+def test_its_button_lights_up_under_the_mouse(legend):
+    left, top, right, bottom = rect = legend.ask("control", CLOSE)["screen"]
+    screen = legend.desk.screen
+    seen = colours(legend.program.picture(), rect)
+    assert BUTTON_REST in seen and BUTTON_ACTIVE not in seen
+    screen.move_mouse((left + right) // 2, (top + bottom) // 2)
+    eventually(lambda: BUTTON_ACTIVE in colours(screen.picture(), rect), "it has lit up")
+    screen.move_mouse(left - 20, top)
+    eventually(lambda: BUTTON_ACTIVE not in colours(screen.picture(), rect), "it is at rest again")
 
 
 def close_by_button(legend):
