@@ -145,7 +145,8 @@ soak_e2e() {
   cmake --preset win32
   cmake --build --preset win32 -j "$(nproc)"
   for ((round = 1; round <= rounds; ++round)); do
-    if "$python" -m pytest -q -p no:cacheprovider tests/e2e >"$work/e2e.$round.log" 2>&1; then
+    if "$python" -m pytest -q -p no:cacheprovider -n "$(nproc)" --dist loadfile tests/e2e \
+      >"$work/e2e.$round.log" 2>&1; then
       rm -f "$work/e2e.$round.failed"
     else
       failed=$((failed + 1))

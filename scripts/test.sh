@@ -64,7 +64,8 @@ run_fuzzers() {
 run_e2e() {
   rm -rf build/screenshots build/e2e.xml
   attempt junit e2e build/e2e.xml \
-    "$python" -m pytest -p no:cacheprovider --junitxml=build/e2e.xml tests/e2e
+    "$python" -m pytest -p no:cacheprovider -n "$(nproc)" --dist loadfile \
+    --junitxml=build/e2e.xml tests/e2e
 }
 
 mkdir -p "$logs"
