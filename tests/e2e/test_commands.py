@@ -226,8 +226,7 @@ def test_a_right_click_opens_the_menu_of_the_package(window, name, column, enabl
 @pytest.mark.parametrize("column, is_link", [(26, True), (25, True), (28, False)])
 def test_a_cell_with_an_address_can_be_launched(window, column, is_link):
     program = window.program
-    program.ask("show", 3)
-    eventually(lambda: program.window()["zoomed"], "it is maximised")
+    program.maximise()
     left, _, right, _ = program.ask("list-cell-rect", LIST, 0, column)["screen"]
     program.send_to(LIST, 0x1014, (left + right) // 2 - 640)
     window.click_cell("Whole", column, button=3)

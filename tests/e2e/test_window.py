@@ -79,7 +79,7 @@ BS_OWNERDRAW, BS_TYPEMASK = 0xB, 0xF
 ES_READONLY = 0x800
 LVS_REPORT_SINGLESEL_SHOWSELALWAYS = 0x1 | 0x4 | 0x8
 LVS_EX_GRIDLINES_FULLROWSELECT = 0x1 | 0x20
-SW_MAXIMIZE, SW_MINIMIZE, SW_RESTORE = 3, 6, 9
+SW_RESTORE = 9
 
 KEYS = [Key("user", "One", {"DisplayName": "One"}), Key("user", "Two", {"DisplayName": "Two"})]
 
@@ -255,8 +255,7 @@ def test_going_to_the_minimum_and_back_moves_nothing(program):
 
 def test_maximising_lays_out_and_restoring_brings_back(program):
     before, client = rects(program), size(program.window()["client"])
-    program.ask("show", SW_MAXIMIZE)
-    eventually(lambda: size(program.window()["client"]) != client, "it is larger")
+    program.maximise()
     large = size(program.window()["client"])
     x, y = large[0] - client[0], large[1] - client[1]
     wanted = {number: moved_edges(mask, before[number], x, y)
@@ -268,8 +267,7 @@ def test_maximising_lays_out_and_restoring_brings_back(program):
 
 def test_minimising_lays_nothing_out(program):
     before = rects(program)
-    program.ask("show", SW_MINIMIZE)
-    eventually(lambda: program.window()["iconic"], "it is minimised")
+    program.minimise()
     assert rects(program) == before
     program.ask("show", SW_RESTORE)
     eventually(lambda: not program.window()["iconic"], "it is restored")
@@ -282,8 +280,7 @@ def sized(request, program, language):
     if request.param == "minimum":
         to_minimum(program)
     elif request.param == "maximum":
-        program.ask("show", SW_MAXIMIZE)
-        eventually(lambda: program.window()["zoomed"], "it is maximised")
+        program.maximise()
     program.activate()
     picture = program.picture(SCREENSHOTS / f"{language}-{request.param}.png")
     return program, picture

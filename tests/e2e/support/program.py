@@ -3,6 +3,7 @@
 import time
 
 from .driver import DriverError
+from .screen import SIZE
 
 WINDOW_LIMIT = 60
 WINDOW_CLASS = "#32770"
@@ -146,6 +147,15 @@ class Program:
             return all(self.window()["iconic"] and self.status() is not None for _ in range(3))
 
         eventually(stays_minimised, "it is minimised")
+
+    def maximise(self):
+        """Maximised for good, as minimise does, and on the screen too, where the mouse acts."""
+        def stays_maximised():
+            self.ask("show", 3)  # SW_MAXIMIZE
+            return (all(self.window()["zoomed"] and self.status() is not None for _ in range(3))
+                    and self._screen.frame_of(TITLE) == (0, 0, *SIZE))
+
+        eventually(stays_maximised, "it is maximised")
 
     def press_key(self, key):
         self.activate()
