@@ -6,7 +6,6 @@ from .driver import DriverError
 from .screen import SIZE
 
 WINDOW_LIMIT = 60
-ASK_FOR_FOCUS_AFTER = 5
 WINDOW_CLASS = "#32770"
 TITLE = "Zolvane"
 
@@ -135,21 +134,9 @@ class Program:
         self.wait_for_status(f"{count} / {count} packages")
 
     def activate(self):
-        """Waits until the window manager has given the window the focus, and the window knows. Where
-        a box came and went before the manager had seen either, nobody has it: it is asked for then,
-        as with a click."""
-        waits_since = time.monotonic()
-
-        def is_active():
-            nonlocal waits_since
-            if self.window()["foreground"] and self._screen.focus_title() == TITLE:
-                return True
-            if time.monotonic() - waits_since > ASK_FOR_FOCUS_AFTER:
-                self._screen.activate(TITLE)
-                waits_since = time.monotonic()
-            return False
-
-        eventually(is_active, lambda: f"the window is active, but {self._screen.focus_title()!r}")
+        """Waits until the window manager has given the window the focus, and the window knows."""
+        eventually(lambda: self.window()["foreground"] and self._screen.focus_title() == TITLE,
+                   "the window is active")
 
     def minimise(self):
         """Minimised for good: Wine makes a dialog's window a normal one when its queue is empty for

@@ -72,12 +72,6 @@ class Screen:
                                stderr=subprocess.DEVNULL, timeout=20)
         return asked.stdout.decode().strip()
 
-    def activate(self, title):
-        """Asks the window manager to make the windows of this title active, one after the other."""
-        subprocess.run(["xdotool", "search", "--name", f"^{re.escape(title)}$",
-                        "windowactivate", "%@"], env=self.env, stdin=subprocess.DEVNULL,
-                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=20)
-
     def frame_of(self, title):
         """A window with the frame that the window manager has put around it."""
         def read(*command):
