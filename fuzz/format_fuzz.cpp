@@ -11,6 +11,7 @@
 
 #include "orlo/format.h"
 #include "orlo/rstring.h"
+#include "orlo/system_time.h"
 
 namespace {
 

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "orlo/rstring.h"
 #include "platform/memory_registry.h"
 #include "platform/reg_text.h"
 

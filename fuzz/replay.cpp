@@ -1,4 +1,5 @@
-// Replays a fuzz target's kept corpus, one test for each file.
+// Replays a fuzz target's kept corpus, one test for each file. One object serves all targets: the
+// program's own name, TARGET_corpus_tests, tells which corpus is meant.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -25,14 +26,20 @@ class Replay : public testing::Test {
   const std::filesystem::path file_;
 };
 
+std::string target_of(const char* program) {
+  const std::string name = std::filesystem::path(program).stem().string();
+  return name.substr(0, name.rfind("_corpus_tests"));
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
+  const std::string target = target_of(argv[0]);
   for (const auto& entry :
-       std::filesystem::directory_iterator(test_data("fuzz/corpus/" ZOLVANE_TARGET))) {
+       std::filesystem::directory_iterator(test_data("fuzz/corpus/" + target))) {
     const std::string name = entry.path().filename().string();
-    testing::RegisterTest("Corpus_" ZOLVANE_TARGET, name.c_str(), nullptr, nullptr, __FILE__,
+    testing::RegisterTest(("Corpus_" + target).c_str(), name.c_str(), nullptr, nullptr, __FILE__,
                           __LINE__, [path = entry.path()] { return new Replay(path); });
   }
   return RUN_ALL_TESTS();

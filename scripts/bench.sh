@@ -12,11 +12,9 @@ readonly results=build/bench
 build() {
   scripts/setup.sh
   cmake --preset host
-  cmake --build --preset host -j "$(nproc)" --target zolvane_bench
+  cmake --build --preset host -j "$(nproc)" --target zolvane_benches
   cmake --preset win32
-  cmake --build --preset win32 -j "$(nproc)" \
-    --target zolvane registry_pass_bench calm_cycle_bench list_fill_bench line_read_bench \
-    list_model_bench list_paint_bench
+  cmake --build --preset win32 -j "$(nproc)" --target zolvane zolvane_benches
 }
 
 run_host() {

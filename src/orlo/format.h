@@ -7,11 +7,10 @@
 #include <string>
 #include <type_traits>
 
-#include "orlo/system_time.h"
-
 namespace ORLO {
 
 class String;
+struct SystemTime;
 
 /// What %t prints: `length` bytes of `text`, or of `inline_text` when `text` is null.
 struct CountedText {

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "orlo/format.h"
+#include "orlo/rstring_fwd.h"
 
 namespace ORLO {
 
@@ -110,6 +111,3 @@ class String {
 };
 
 }  // namespace ORLO
-
-// Application code speaks of String alone.
-using ORLO::String;

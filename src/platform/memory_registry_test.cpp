@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include "orlo/rstring.h"
 #include "orlo/thread.h"
 
 namespace {

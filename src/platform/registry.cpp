@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "orlo/rstring.h"
+
 namespace {
 
 constexpr uint32_t kFirstRead = 1024;

@@ -6,7 +6,7 @@
 #include <memory>
 #include <utility>
 
-#include "orlo/rstring.h"
+#include "orlo/rstring_fwd.h"
 #include "orlo/system_time.h"
 
 namespace ORLO {

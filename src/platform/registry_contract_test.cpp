@@ -6,6 +6,7 @@
 #include <thread>
 #include <vector>
 
+#include "orlo/rstring.h"
 #include "orlo/thread.h"
 #include "platform/registry_test_support.h"
 #include "platform/utf16.h"

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <vector>
 
+#include "orlo/rstring.h"
 #include "platform/memory_registry.h"
 
 namespace {

@@ -1,9 +1,13 @@
 #include "trellis/tl_string.h"
 
+#include "orlo/rstring.h"
+
 #include <iterator>
 #include <tuple>
 
 namespace Trellis {
+
+TL_String::TL_String(const String& text) : std::string(text.c_str(), text.length()) {}
 
 const TL_String kValueName("value");
 const TL_String kPropertyName("property");

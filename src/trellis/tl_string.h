@@ -7,7 +7,7 @@
 #include <string_view>
 #include <utility>
 
-#include "orlo/rstring.h"
+#include "orlo/rstring_fwd.h"
 
 namespace Trellis {
 
@@ -20,7 +20,7 @@ class TL_String : public std::string {
   TL_String() = default;
   TL_String(const std::string& text) : std::string(text) {}
   TL_String(std::string&& text) noexcept : std::string(std::move(text)) {}
-  TL_String(const String& text) : std::string(text.c_str(), text.length()) {}
+  TL_String(const String& text);
 };
 
 /// Ordered by unsigned bytes; a prefix sorts first.

@@ -88,9 +88,9 @@ XMLPath::XMLPath(const std::string& text) {
   absolute = rest.starts_with('/');
   if (absolute) rest.remove_prefix(1);
   while (!rest.empty() && rest.front() != '/') {
-    const size_t end = std::min(rest.find('/'), rest.size());
+    const size_t end = rest.find('/');
     steps.push_back(step_of(rest.substr(0, end)));
-    rest.remove_prefix(std::min(end + 1, rest.size()));
+    rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
   }
 }
 
