@@ -70,6 +70,28 @@ TEST(RefPtr, AssignmentReleasesTheOldObjectAfterTakingTheNewOne) {
   EXPECT_EQ(other->ref_count, 2U);
 }
 
+/// Owns the one behind it.
+struct Link : RefCounter {
+  explicit Link(int& destroyed) : destroyed_count(destroyed) {}
+  ~Link() override { ++destroyed_count; }
+
+  RefPtr<Link> next;
+  int value = 7;
+  int& destroyed_count;
+};
+
+TEST(RefPtr, AssignmentTakesTheNewObjectBeforeTheOldOneThatOwnsItGoes) {
+  int destroyed = 0;
+  RefPtr<Link> link(new Link(destroyed));
+  link->next = RefPtr<Link>(new Link(destroyed));
+  const Link* const second = link->next.get();
+  link = link->next;
+  EXPECT_EQ(destroyed, 1);
+  ASSERT_EQ(link.get(), second);
+  EXPECT_EQ(link->ref_count, 1U);
+  EXPECT_EQ(link->value, 7);
+}
+
 TEST(RefPtr, AssignmentToItselfKeepsTheObject) {
   int destroyed = 0;
   RefPtr<Counted> pointer(new Counted(destroyed));
