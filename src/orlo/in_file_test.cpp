@@ -547,6 +547,20 @@ TEST_P(InFileContract, ARefusalThatEndsMayBeTriedAgainBySeeking) {
   EXPECT_EQ(read_all(*file), memory.content.substr(kBlock));
 }
 
+TEST_P(InFileContract, ARefusalMayHaveSpoiltTheBlockBeforeItWhichIsNotSeen) {
+  MemoryFile memory{.content = numbered_text(3 * kBlock), .refuses_from = kBlock, .error = 33};
+  const auto file = GetParam().in_over(memory);
+  read_all(*file);
+  memory.refuses_from = UINT64_MAX;
+  for (const size_t offset : {kBlock - 1, size_t{10}, size_t{0}}) {
+    SCOPED_TRACE(offset);
+    file->seek(offset);
+    EXPECT_EQ(file->get(), memory.content[offset]);
+  }
+  file->seek(0);
+  EXPECT_EQ(read_all(*file), memory.content);
+}
+
 TEST_P(InFileContract, InExceptionModeARefusalThrowsTheSystemsCode) {
   const ScopedExceptionMode mode;
   MemoryFile memory{.content = numbered_text(kBlock), .refuses_from = 0, .error = 33};
@@ -620,6 +634,22 @@ TEST(SyncInFile, ReadsNothingBeforeItIsAsked) {
   read_all(file);
   EXPECT_EQ(memory.log,
             std::vector<std::string>({"read 0+4096", "read 4096+4096", "read 4097+4096"}));
+}
+
+TEST(SyncInFile, DropsItsBufferAfterARefusalOnly) {
+  MemoryFile memory{.content = numbered_text(kBlock), .refuses_from = kBlock, .error = 33};
+  SyncInFile file(std::make_unique<RawMemoryFile>(memory));
+  read_all(file);
+  memory.log.clear();
+  file.seek(0);
+  file.peek();
+  EXPECT_EQ(memory.log, std::vector<std::string>({"read 0+4096"})) << "nothing of it is left";
+  memory.refuses_from = UINT64_MAX;
+  read_all(file);
+  memory.log.clear();
+  file.seek(0);
+  file.peek();
+  EXPECT_TRUE(memory.log.empty()) << "the end leaves it whole";
 }
 
 /// A file whose reads can't even be started from an offset on.
