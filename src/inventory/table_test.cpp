@@ -177,6 +177,24 @@ TEST(Table, TakesOverTheMarkerOfARow) {
   EXPECT_EQ(table.rows.begin()->second.marker, 7);
 }
 
+TEST(Table, ALaterRowWithTheSameKeyBringsItsMarker) {
+  Table table = small_schema();
+  const auto marker_of = [&](int32_t marker, size_t cells) {
+    Row row = row_of("a", "1");
+    row.marker = marker;
+    row.cells.resize(cells);
+    table.addRow(row);
+    EXPECT_EQ(table.size(), 1u);
+    return table.rows.begin()->second.marker;
+  };
+  for (const size_t cells : {size_t{2}, size_t{1}, size_t{2}}) {
+    SCOPED_TRACE(cells);
+    EXPECT_EQ(marker_of(7, cells), 7);
+    EXPECT_EQ(marker_of(Row::kRemoved, cells), Row::kRemoved);
+    EXPECT_EQ(marker_of(0, cells), 0);
+  }
+}
+
 TEST(Table, AssignedToItselfDoesNotChange) {
   Table table = small_schema();
   table.addRow(row_of("a", "1"));

@@ -56,6 +56,20 @@ TEST(SplitIconSpec, ExpansionThatDoesNotFitLeavesTheTextUnchanged) {
   EXPECT_STREQ(SplitIconSpec("%LONG%", files).path.c_str(), "%LONG%");
 }
 
+TEST(SplitIconSpec, ExpansionFitsUpToTheLimitLessItsTerminator) {
+  MemoryFiles files;
+  for (const size_t length : {size_t{1023}, size_t{1024}, size_t{1025}}) {
+    SCOPED_TRACE(length);
+    const std::string value(length, 'x');
+    files.set_variable("LONG", value);
+    const std::string expected = length < 1024 ? value : "%LONG%";
+    EXPECT_EQ(std::string(SplitIconSpec("%LONG%", files).path.c_str()), expected);
+    EXPECT_EQ(std::string(SplitIconSpec("\"%LONG%\" /s", files).path.c_str()), expected);
+    // The limit is that of the expansion: a text without variables isn't cut by it.
+    EXPECT_EQ(std::string(SplitIconSpec(value.c_str(), files).path.c_str()), value);
+  }
+}
+
 TEST(SplitIconSpec, ExpansionThatFailsLeavesTheTextUnchanged) {
   MemoryFiles files;
   files.set_variable("APPS", "D:\\Apps");
@@ -199,6 +213,41 @@ TEST(MergeDateText, TextOfAnotherDayWins) {
   EXPECT_STREQ(MergeDateText("05.01.2009", date).c_str(), local_date(2009, 1, 5).display().c_str());
 }
 
+/// The merged text of `text` and a file time of the morning of 5 January 2009.
+std::string merged_with_5_january(const char* text) {
+  return MergeDateText(text, local_date(2009, 1, 5, 10, 11)).c_str();
+}
+
+TEST(MergeDateText, TextOfAnotherYearWins) {
+  EXPECT_EQ(merged_with_5_january("05.01.2008"), local_date(2008, 1, 5).display().c_str());
+}
+
+TEST(MergeDateText, TextOfAnotherMonthWins) {
+  EXPECT_EQ(merged_with_5_january("05.02.2009"), local_date(2009, 2, 5).display().c_str());
+}
+
+TEST(MergeDateText, TextOfAnotherDayOfTheMonthWins) {
+  EXPECT_EQ(merged_with_5_january("06.01.2009"), local_date(2009, 1, 6).display().c_str());
+}
+
+TEST(MergeDateText, TextOfTheSameDayWithNothingButAnHourWins) {
+  EXPECT_EQ(merged_with_5_january("05 Jan 2009 12:00:00 GMT"),
+            local_date(2009, 1, 5, 12, 0).display().c_str());
+}
+
+TEST(MergeDateText, TextOfTheSameDayWithNothingButAMinuteWins) {
+  EXPECT_EQ(merged_with_5_january("05 Jan 2009 00:34:00 GMT"),
+            local_date(2009, 1, 5, 0, 34).display().c_str());
+}
+
+TEST(MergeDateText, TextOfTheSameDayWithNothingButASecondWins) {
+  DateTime shown = local_date(2009, 1, 5);
+  shown.time.wSecond = 56;
+  const std::string merged = merged_with_5_january("05 Jan 2009 00:00:56 GMT");
+  EXPECT_EQ(merged, shown.display().c_str());
+  EXPECT_NE(merged.find("00:00"), std::string::npos) << "a second is a time of day";
+}
+
 TEST(MergeDateText, TextOfTheSameDayWithATimeOfDayWins) {
   const DateTime date = local_date(2009, 1, 5, 10, 11);
   EXPECT_STREQ(MergeDateText("05 Jan 2009 12:34:56 GMT", date).c_str(),
@@ -233,6 +282,28 @@ TEST(CompareVersions, StartsBehindTheProductNameOnlyWhereTextRemains) {
   EXPECT_EQ(compareVersions("Suite/2.1 ", "Suite/2.1 "), 0);
   EXPECT_EQ(compareVersions("a/b.c ", "a/b.c"), 1) << "nothing behind the blank";
   EXPECT_EQ(compareVersions("Suite/Pro 2", "2"), -1) << "no dot";
+}
+
+TEST(CompareVersions, ASlashBeforeTheFirstDotBelongsToTheProductName) {
+  EXPECT_EQ(compareVersions("My Suite/Pro 2.1", "2.1"), 0) << "the blank behind the slash counts";
+  EXPECT_EQ(compareVersions("Suite/1.9 2.1", "2.1"), 0) << "the dot stands behind the slash";
+  EXPECT_EQ(compareVersions("A/B C/D 2.1", "2.1"), -1) << "the first slash counts";
+  EXPECT_EQ(compareVersions("2.1/C 3.0", "2.1"), 1) << "the dot stands before the slash";
+  EXPECT_EQ(compareVersions("2.1/C 3.0", "3.0"), -1);
+}
+
+TEST(CompareVersions, BlanksBeforeANumberCountOnlyWhereTheNumbersAreEqual) {
+  for (const char* blank : {" ", "\t", "  ", "\n"}) {
+    SCOPED_TRACE(static_cast<int>(*blank));
+    const std::string part = std::string("1.") + blank;
+    EXPECT_EQ(compareVersions((part + "10").c_str(), (part + "9").c_str()), 1);
+    EXPECT_EQ(compareVersions((part + "9").c_str(), "1.10"), -1);
+    EXPECT_EQ(compareVersions((part + "10").c_str(), "1.9"), 1);
+    // The blank and the number behind it then stand as a suffix.
+    EXPECT_EQ(compareVersions((part + "9").c_str(), "1.9"), 1);
+    EXPECT_EQ(compareVersions((blank + std::string("2.0")).c_str(), "10.0"), -1);
+  }
+  EXPECT_EQ(compareVersions("1.\t9", "1. 9"), -1);
 }
 
 TEST(CompareVersions, OrdersByPartsAndSuffixes) {

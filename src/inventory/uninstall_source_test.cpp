@@ -148,6 +148,12 @@ TEST_F(UninstallSourceTest, CheckStateFollowsCommandAndFlags) {
       {u"MsiExec.exe /I{123}", 1, 0, "-1"},
       {u"MsiExec.exe /X{123}", 1, 0, "1"},
       {u"MsiExec.exe /I{123}", 0, 0, "1"},
+      {u"MsiExec.exe /qb /I{123} /x", 1, 0, "-1"},
+      // The switch counts only as it is usually written.
+      {u"MsiExec.exe/I{123}", 1, 0, "1"},
+      {u"MsiExec.exe /i{123}", 1, 0, "1"},
+      {u"MsiExec.exe /I {123}", 1, 0, "1"},
+      {u"MsiExec.exe /I123", 1, 0, "1"},
   };
   for (const Case& c : cases) {
     text("App", "UninstallString", c.uninstall);
@@ -168,6 +174,33 @@ TEST_F(UninstallSourceTest, InstallerPathIsThatOfTheUninstallCommandElseOfTheMod
   text("App", "UninstallString", u"C:\\App\\un.exe /u");
   read();
   EXPECT_EQ(value(0, Field::installerPath), "C:\\App\\un.exe");
+}
+
+TEST_F(UninstallSourceTest, InstallerPathOfACommandThatResolvesToNothingIsItsPathPart) {
+  files_.add_file("C:\\App\\mod.exe");
+  text("App", "ModifyPath", u"C:\\App\\mod.exe /m");
+  text("App", "UninstallString", u"C:\\App\\gone.exe /u");
+  read();
+  EXPECT_EQ(value(0, Field::installerPath), "C:\\App\\gone.exe /u");
+  text("App", "UninstallString", u"\"C:\\App\\gone.exe\" /u");
+  read();
+  EXPECT_EQ(value(0, Field::installerPath), "C:\\App\\gone.exe");
+}
+
+TEST_F(UninstallSourceTest, InstallerPathOfACommandWithoutAPathPartIsThatOfTheModifyCommand) {
+  files_.add_file("C:\\App\\mod.exe");
+  for (const char16_t* uninstall : {u" ", u"\"\"", u"\"\" /u"}) {
+    text("App", "UninstallString", uninstall);
+    text("App", "ModifyPath", u"C:\\App\\mod.exe /m");
+    read();
+    SCOPED_TRACE(value(0, Field::uninstallCmd));
+    EXPECT_EQ(value(0, Field::installerPath), "C:\\App\\mod.exe");
+    EXPECT_EQ(value(0, Field::OK), "1");
+    text("App", "ModifyPath", u"\"\"");
+    read();
+    EXPECT_EQ(value(0, Field::installerPath), "");
+    EXPECT_EQ(value(0, Field::OK), "0");
+  }
 }
 
 TEST_F(UninstallSourceTest, SubkeyWithNothingToRunHasNoCheckText) {

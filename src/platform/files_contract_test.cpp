@@ -169,4 +169,11 @@ TEST_P(FilesContract, ExpandsOnlyWhatFitsWithItsTerminator) {
   EXPECT_EQ(expand("%ZolvaneLong%%ZolvaneLong%%ZolvaneLong%"), "-");
   EXPECT_EQ(expand(std::string(1023, 'x')), std::string(1023, 'x'));
   EXPECT_EQ(expand(std::string(1024, 'x')), "-");
+  EXPECT_EQ(expand(std::string(1025, 'x')), "-");
+  for (const size_t length : {size_t{1023}, size_t{1024}, size_t{1025}}) {
+    SCOPED_TRACE(length);
+    const std::string value(length, 'x');
+    bed().set_variable("ZolvaneLong", value);
+    EXPECT_EQ(expand("%ZolvaneLong%"), length < 1024 ? value : "-");
+  }
 }
