@@ -139,6 +139,13 @@ class RefreshCycleTest : public testing::Test {
     while (registry_.awaited() != count)
       std::this_thread::yield();
   }
+  /// Ends the reader. A watcher arms its key before it looks whether it is to stop, and is waited
+  /// for: so each one that was made has left its call by now.
+  std::ptrdiff_t watches_begun_by_the_end() {
+    reader_.reset();
+    const std::vector<std::string> calls = registry_.calls();
+    return std::count(calls.begin(), calls.end(), "notify Uninstall");
+  }
   std::vector<std::string> run() {
     view_.log.clear();
     frame_.log.clear();
@@ -724,9 +731,7 @@ TEST_F(RefreshCycleTest, KeyThatDoesNotOpenIsNotWatched) {
   registry_.create(kUser + kUninstall + "App");
   start(registry_, true, [] {});
   run();
-  reader_.reset();
-  const std::vector<std::string> calls = registry_.calls();
-  EXPECT_EQ(std::count(calls.begin(), calls.end(), "notify Uninstall"), 1);
+  EXPECT_EQ(watches_begun_by_the_end(), 1);
 }
 
 /// Writes down what is asked of it to watch.
@@ -765,17 +770,31 @@ TEST_F(RefreshCycleTest, LaterPassesMakeNoFurtherWatchers) {
   start(registry_, true, [] {});
   for (int round = 0; round < 3; ++round)
     run();
-  reader_.reset();
-  const std::vector<std::string> calls = registry_.calls();
-  EXPECT_EQ(std::count(calls.begin(), calls.end(), "notify Uninstall"), 1);
+  EXPECT_EQ(watches_begun_by_the_end(), 1);
 }
 
 TEST_F(RefreshCycleTest, NothingIsWatchedBeforeTheFirstPass) {
   registry_.create(kUser + kUninstall + "App");
-  ORLO::Event told;
-  start(registry_, true, [&] { told.set(); });
-  registry_.create(kUser + kUninstall + "New");
-  EXPECT_FALSE(ORLO::wait_for(told, 20));
+  start(registry_, true, [] {});
+  EXPECT_EQ(watches_begun_by_the_end(), 0);
+}
+
+TEST_F(RefreshCycleTest, NoPlaceIsWatchedBeforeItsFirstReadHasEnded) {
+  for (const std::string& place : {kMachine, kMachine32, kUser})
+    registry_.create(place + kUninstall + "App");
+  for (const int good_places : {0, 1, 2, 3}) {
+    SCOPED_TRACE(good_places);
+    registry_.clear_calls();
+    // Behind its one subkey each place has nothing more to read.
+    int ends = 0;
+    HookedRegistry hooked(registry_, [&](const std::string& operation, uint32_t index) {
+      if (operation != "subkey_at" || index != 1) return;
+      if (ends++ == good_places) throw ORLO::UserException("broken");
+    });
+    start(hooked, true, [] {});
+    run();
+    EXPECT_EQ(watches_begun_by_the_end(), good_places);
+  }
 }
 
 TEST_F(RefreshCycleTest, AfterABurstOneLaterChangeBringsAll) {
