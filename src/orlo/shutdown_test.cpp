@@ -2,8 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "orlo/assertion.h"
 #include "orlo/com_objects.h"
-#include "orlo/report.h"
+#include "orlo/report_test_support.h"
 
 namespace ORLO {
 namespace {
@@ -25,6 +26,41 @@ TEST_F(PrepareShutdown, BeginsTheShutDownAndSilencesReports) {
   report_exception(UserException("too late"), nullptr);
   EXPECT_EQ(reports, 0);
   set_report_sink({});
+}
+
+TEST_F(PrepareShutdown, TellsOfAMainWindowThatStillExistsAndGoesOn) {
+  forget_failed_assertions();
+  TestReports reports;
+  bool barred = true;
+  reports.while_open = [&] { barred = in_shutdown(); };
+  const int window = 0;
+  EXPECT_TRUE(prepare_shutdown(objects, &window));
+  ASSERT_EQ(reports.shown.size(), 1u);
+  EXPECT_NE(reports.shown[0].text.find("!mainThread._hmainwnd"), std::string::npos);
+  EXPECT_FALSE(barred);
+  EXPECT_TRUE(in_shutdown());
+}
+
+TEST_F(PrepareShutdown, TellsOfASecondBeginAndBarsReportsAgain) {
+  forget_failed_assertions();
+  const TestReports reports;
+  EXPECT_TRUE(prepare_shutdown(objects, nullptr));
+  EXPECT_TRUE(reports.shown.empty()) << "there is nothing to tell of the first";
+  EXPECT_TRUE(prepare_shutdown(objects, nullptr));
+  ASSERT_EQ(reports.shown.size(), 1u);
+  EXPECT_NE(reports.shown[0].text.find("InShutDown==1"), std::string::npos);
+  report_exception(UserException("too late"), nullptr);
+  EXPECT_EQ(reports.shown.size(), 1u);
+  EXPECT_EQ(InShutDown, 2);
+}
+
+TEST_F(PrepareShutdown, SaysNothingOfTheMainWindowWhileAnObjectKeepsTheProgramGoing) {
+  forget_failed_assertions();
+  const TestReports reports;
+  const int window = 0;
+  objects.object_made();
+  EXPECT_FALSE(prepare_shutdown(objects, &window));
+  EXPECT_TRUE(reports.shown.empty());
 }
 
 TEST_F(PrepareShutdown, LivingObjectsKeepTheProgramGoing) {
