@@ -17,8 +17,8 @@ inline constexpr int kWaitTimedOut = 0x102;
 
 /// Waits for any of `items` (at most 62): the index of the first one that is signalled,
 /// kWaitTimedOut, kWaitQuit or kWaitOvertaken. When the program is to quit, all waits on the stack
-/// are given up, and the message loop around the outermost one learns of it when that one has
-/// returned.
+/// are given up, as is each one that begins before the outermost one has returned, unless its item
+/// is signalled already. The message loop around that one learns of it then.
 int wait_with_messages(Waitable* const* items, size_t count, uint32_t timeout);
 
 /// Waits until each of `items` has been signalled, not necessarily at one time: 0, kWaitTimedOut,

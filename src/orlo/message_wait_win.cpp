@@ -72,9 +72,11 @@ Drained dispatch_batch(WaitScope& scope) {
   return Drained::more;
 }
 
-}  // namespace
+enum class OnQuit { give_up, go_on };
 
-int wait_with_messages(Waitable* const* items, size_t count, uint32_t timeout) {
+/// A quit that has been met before the wait began, further out on the stack, counts for
+/// OnQuit::give_up: no loop would end this wait any more. One that is met inside it always does.
+int wait_pumping(Waitable* const* items, size_t count, uint32_t timeout, OnQuit on_quit) {
   HANDLE handles[MAXIMUM_WAIT_OBJECTS] = {};
   const auto used = static_cast<DWORD>(std::min<size_t>(count, MAXIMUM_WAIT_OBJECTS - 2));
   for (DWORD i = 0; i < used; ++i)
@@ -89,11 +91,18 @@ int wait_with_messages(Waitable* const* items, size_t count, uint32_t timeout) {
     const DWORD result = MsgWaitForMultipleObjects(used, handles, FALSE, patience, QS_ALLINPUT);
     if (result < WAIT_OBJECT_0 + used) return static_cast<int>(result - WAIT_OBJECT_0);
     if (result == WAIT_FAILED) throw LWE();
+    if (on_quit == OnQuit::give_up && scope.quitting()) return kWaitQuit;
     if (drained != Drained::not_yet && deadline.remaining() == 0) return kWaitTimedOut;
     drained = dispatch_batch(scope);
     if (drained == Drained::quit) return kWaitQuit;
     if (drained == Drained::overtaken) return kWaitOvertaken;
   }
+}
+
+}  // namespace
+
+int wait_with_messages(Waitable* const* items, size_t count, uint32_t timeout) {
+  return wait_pumping(items, count, timeout, OnQuit::give_up);
 }
 
 int wait_for_all_with_messages(Waitable* const* items, size_t count, uint32_t timeout) {
@@ -111,7 +120,7 @@ bool wait_through_quit(Waitable& item, uint32_t timeout) {
   const WaitScope outermost;
   Waitable* const items[] = {&item};
   for (;;) {
-    const int result = wait_with_messages(items, 1, deadline.remaining());
+    const int result = wait_pumping(items, 1, deadline.remaining(), OnQuit::go_on);
     if (result == 0 || result == kWaitTimedOut) return result == 0;
   }
 }

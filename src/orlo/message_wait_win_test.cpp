@@ -133,6 +133,25 @@ TEST(WaitWithMessages, QuitEndsAllWaitsOnTheStackAndIsPutBackOnce) {
   EXPECT_FALSE(quit_was_posted());
 }
 
+TEST(WaitWithMessages, OneThatBeginsAfterAnotherHasMetAQuitIsGivenUp) {
+  Event never;
+  Waitable* const items[] = {&never};
+  int first = 0;
+  int second = 0;
+  const Posted window([&] {
+    PostQuitMessage(0);
+    first = wait_with_messages(items, 1, kLong);
+    second = wait_with_messages(items, 1, kLong);
+  });
+  window.post();
+  EXPECT_EQ(wait_with_messages(items, 1, kLong), kWaitQuit);
+  EXPECT_EQ(first, kWaitQuit);
+  EXPECT_EQ(second, kWaitQuit);
+  // With the outermost one's end the quit is the loop's, and a new wait meets it there.
+  EXPECT_TRUE(quit_was_posted());
+  EXPECT_EQ(wait_with_messages(items, 1, 10), kWaitTimedOut);
+}
+
 TEST(WaitWithMessages, EndOfALoopInsideItOvertakesIt) {
   Event never;
   Waitable* const items[] = {&never};
@@ -217,6 +236,54 @@ TEST(WaitThroughQuit, InsideAnotherWaitGivesThatOneUpAfterwards) {
   Waitable* const items[] = {&never};
   EXPECT_EQ(wait_with_messages(items, 1, kLong), kWaitQuit);
   EXPECT_TRUE(waited);
+  EXPECT_TRUE(quit_was_posted());
+}
+
+TEST(WaitThroughQuit, AWaitThatBeginsInsideItAfterAQuitIsGivenUp) {
+  Event never;
+  Event there;
+  Event done;
+  Waitable* const nothing[] = {&never};
+  Waitable* const something[] = {&there};
+  there.set();
+  int waited = 0;
+  int waited_for_all = 0;
+  int waited_for_what_is_there = kWaitQuit;
+  bool slept = true;
+  const Timed timed([&] {
+    // The quit has been taken off the queue by now.
+    waited = wait_with_messages(nothing, 1, kLong);
+    waited_for_all = wait_for_all_with_messages(nothing, 1, kLong);
+    waited_for_what_is_there = wait_with_messages(something, 1, kLong);
+    slept = sleep_with_messages(kLong);
+    done.set();
+  });
+  PostQuitMessage(0);
+  EXPECT_TRUE(wait_through_quit(done, 4 * kLong));
+  EXPECT_EQ(waited, kWaitQuit);
+  EXPECT_EQ(waited_for_all, kWaitQuit);
+  EXPECT_EQ(waited_for_what_is_there, 0);
+  EXPECT_FALSE(slept);
+  EXPECT_TRUE(quit_was_posted());
+  EXPECT_FALSE(quit_was_posted());
+}
+
+TEST(WaitThroughQuit, ASecondOneThatBeginsInsideItAfterAQuitWaitsOnToo) {
+  Event done;
+  Event inner_done;
+  bool inner_waited = false;
+  bool posted_between = true;
+  const Posted window([&] { inner_done.set(); });
+  const Timed timed([&] {
+    window.post();
+    inner_waited = wait_through_quit(inner_done, kLong);
+    posted_between = quit_was_posted();
+    done.set();
+  });
+  PostQuitMessage(0);
+  EXPECT_TRUE(wait_through_quit(done, 2 * kLong));
+  EXPECT_TRUE(inner_waited);
+  EXPECT_FALSE(posted_between);
   EXPECT_TRUE(quit_was_posted());
 }
 
