@@ -9,7 +9,7 @@ import pytest
 from conftest import BINARIES
 from support.held import HeldDesk
 from support.program import ALL_PACKAGES, REFRESH, WINDOW_CLASS, eventually
-from support.registry import SZ, UNINSTALL, Key
+from support.registry import BINARY, SZ, UNINSTALL, USAGE_CACHE, Key, Usage, usage_bytes
 from support.watching import PLACES, shows_by_itself
 
 GOLDEN = Path(__file__).parent / "golden/history.xml"
@@ -26,6 +26,7 @@ KEYS = [
                             "UninstallString": "C:\\beta\\gone.exe /x"}),
     Key("user", "Gamma", {"DisplayName": "Gamma", "InstallDate": "20030304"}),
 ]
+LAST_USE, FREQUENCY = 15, 21
 NAMES = ["Alpha <&> \"one\" 'two'", "Beta", "Gamma"]
 
 
@@ -52,6 +53,11 @@ class Memory:
     def set(self, place, key, name, text):
         self.driver("reg-set", *PLACES[place], f"Software\\{UNINSTALL}\\{key}", name, SZ,
                     text.encode("cp1252") + b"\0")
+
+    def use(self, key, usage):
+        """Makes the system's record of how a package is used."""
+        self.driver("reg-set", *PLACES["local"], f"Software\\{USAGE_CACHE}\\{key}", "SlowInfoCache",
+                    BINARY, usage_bytes(usage))
 
     def delete(self, place, key):
         self.driver("reg-delete", *PLACES[place], f"Software\\{UNINSTALL}\\{key}")
@@ -155,12 +161,55 @@ def test_what_changes_meanwhile_shows_without_a_mark(memory):
     assert memory.run() == {}
 
 
-def test_a_package_that_arrives_shows_as_new(memory):
+MORNING_OF_13_JANUARY_2009 = 128763036000000000  # 07:00 UTC
+A_DAY = 24 * 3600 * 10 ** 7
+USED = Usage(used=MORNING_OF_13_JANUARY_2009, frequency=3)
+
+
+@pytest.mark.parametrize("column, usage, shown", [
+    (FREQUENCY, Usage(used=USED.used, frequency=4), "4"),
+    (LAST_USE, Usage(used=USED.used + A_DAY, frequency=USED.frequency), "14.01.2009"),
+], ids=["count", "last use"])
+def test_mere_use_between_two_runs_is_a_change(memory, column, usage, shown):
+    memory.use("Alpha", USED)
+    memory.run()
+    memory.use("Alpha", usage)
+    program = memory.open()
+    assert marks(program) == {NAMES[0]: "changed"}
+    assert [shown in row[column] for row in program.rows() if row[2] == NAMES[0]] == [True]
+    assert program.close() == 0
+    assert shown.encode() in memory.content()
+    assert memory.run() == {}
+
+
+def test_the_first_use_is_a_change_of_the_packages_that_it_is_carried_over_to_as_well(memory):
+    memory.set("local", "Alpine", "DisplayName", "Alpine")
+    memory.run(count=4)
+    memory.use("Alpha", USED)
+    assert memory.run(count=4) == {NAMES[0]: "changed", "Alpine": "changed"}
+    assert memory.run(count=4) == {}
+
+
+def test_use_while_it_runs_shows_without_a_mark(memory):
+    memory.use("Alpha", USED)
+    program = memory.open()
+    memory.use("Alpha", Usage(used=USED.used, frequency=4))
+    # Nothing watches those records: they are read again with the key.
+    shows_by_itself(memory.desk, "local",
+                    lambda: "4" in [row[FREQUENCY] for row in program.rows()], "the count")
+    assert marks(program) == {}
+    assert program.close() == 0
+    assert memory.run() == {}
+
+
+@pytest.mark.parametrize("persist", [True, False], ids=["persist", "nopersist"])
+def test_a_package_that_arrives_shows_as_new(memory, persist):
     held = HeldDesk(memory.desk, BINARIES / "zolvane-held.exe")
     # The second pass is held before it reads anything, and fails behind its first place: while its
     # box is open, no other refresh can take the marks away again.
-    program = held.start("hold@source4 fail@source5", persist=True)
+    program = held.start("hold@source4 fail@source5", persist=persist)
     program.wait_filled(len(KEYS))
+    assert marks(program) == {}
     memory.set("user", "Gamma", "Comments", "now")
     shows_by_itself(memory.desk, "user", held.has_reached, "the second pass")
     memory.set("local", "Delta", "DisplayName", "Delta")
@@ -171,6 +220,10 @@ def test_a_package_that_arrives_shows_as_new(memory):
     held.answer_box(box)
     shows_by_itself(memory.desk, "local", lambda: marks(program) == {}, "no mark is left")
     assert program.close() == 0
+    if persist:
+        assert b"Delta" in memory.content()
+    else:
+        assert not memory.file.parent.exists()
 
 
 def test_a_run_that_must_not_persist_neither_reads_nor_writes(memory):
@@ -180,6 +233,21 @@ def test_a_run_that_must_not_persist_neither_reads_nor_writes(memory):
     memory.set("user", "Delta", "DisplayName", "Delta")
     assert memory.run("-nopersist", count=4) == {}
     assert memory.content() == GOLDEN.read_bytes()
+
+
+def test_an_arrival_in_a_run_that_must_not_persist_leaves_the_file_alone(memory):
+    memory.run()
+    os.utime(memory.file, (0, 0))
+    program = memory.open("-nopersist")
+    # It may meet the key before it has a name, and would go on hiding it.
+    program.select_type(ALL_PACKAGES)
+    memory.set("user", "Delta", "DisplayName", "Delta")
+    shows_by_itself(memory.desk, "user", lambda: "Delta" in names(program), "the new package")
+    assert program.close() == 0
+    assert memory.file.stat().st_mtime == 0
+    assert memory.content() == GOLDEN.read_bytes()
+    # So the next run that remembers still has it as news.
+    assert memory.run(count=4) == {"Delta": "new"}
 
 
 def test_refresh_accepts_the_present_state(memory):

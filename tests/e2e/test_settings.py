@@ -147,7 +147,10 @@ def test_settings_of_an_older_version_are_read(settings, version):
 @pytest.mark.parametrize("content", [
     b"", b"<", b"<zolvane><ui lang-id=7/></zolvane>", b"\0" * 2000, b"\xff\xfe<\0z\0", b"<a>" * 50000,
     b"<zolvane><ui window-pos='99999999999/a'/></zolvane>", b"<zolvane version='5.3'><ui lang-id='9'",
-], ids=["empty", "bracket", "malformed", "zeros", "16 bits", "deep", "no place", "cut"])
+    b"<zolvane><ui window-pos='90/120/860'/></zolvane>",
+    b"<zolvane><ui window-pos='90/120/860/710'/></zolvane>",
+], ids=["empty", "bracket", "malformed", "zeros", "16 bits", "deep", "no place", "cut",
+        "three numbers", "four numbers"])
 def test_it_starts_in_the_middle_with_settings_that_are_none(settings, content):
     program = settings.open("-nopersist")
     middle = program.window()["frame"]
