@@ -14,6 +14,7 @@ constexpr int kRows = 10'000;
 /// One row in a hundred is another one where `changed` is set.
 void fill_inventory(Table& table, bool changed) {
   std::vector<Texts> all;
+  all.reserve(kRows);
   for (int i = 0; i < kRows; ++i)
     all.push_back(texts_of(i, changed && i % 100 == 0));
   fill(table, all);
@@ -72,7 +73,7 @@ void mark_all(benchmark::State& state, HistoryMerge& history, Table& difference)
 
 void BM_DifferenceAndMarks(benchmark::State& state) {
   Table inventory(packageSchema());
-  const Table nothing(packageSchema());
+  const Table& nothing = packageSchema();
   HistoryMerge history;
   fill_inventory(history.lastEntries, false);
   fill_inventory(inventory, true);

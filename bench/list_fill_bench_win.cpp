@@ -86,6 +86,7 @@ double start_to_filled(const char* program) {
 
 double median_of(const std::function<double()>& measure) {
   std::vector<double> times;
+  times.reserve(kRuns);
   for (int i = 0; i < kRuns; ++i)
     times.push_back(measure());
   std::sort(times.begin(), times.end());

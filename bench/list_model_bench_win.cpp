@@ -46,6 +46,7 @@ int main() {
   const std::vector<UninstallEntry> entries = make_entries();
   // A first fill finds a model without entries, and none is destroyed while the time is taken.
   std::vector<std::unique_ptr<ListModel>> models;
+  models.reserve(kRuns);
   for (int run = 0; run < kRuns; ++run)
     models.push_back(std::make_unique<ListModel>(control, CellTexts()));
   auto fresh = models.begin();

@@ -9,7 +9,7 @@
 
 inline void set_text(HKEY key, const char* name, const std::string& text) {
   RegSetValueExA(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
-                 static_cast<DWORD>(text.size() + 1));
+                 static_cast<DWORD>(text.size()) + 1);
 }
 
 inline void set_number(HKEY key, const char* name, DWORD number) {
@@ -38,7 +38,7 @@ inline void seed_uninstall(const char* path, int count) {
     set_text(key, "DisplayIcon", "C:\\windows\\system32\\msiexec.exe,0");
     set_text(key, "HelpLink", "https://help.example.org/" + number);
     set_text(key, "URLInfoAbout", "https://www.example.org/" + number);
-    set_number(key, "EstimatedSize", static_cast<DWORD>(i * 10));
+    set_number(key, "EstimatedSize", static_cast<DWORD>(i) * 10);
     set_number(key, "WindowsInstaller", static_cast<DWORD>(i % 2 == 0));
     set_number(key, "NoModify", 1);
     RegCloseKey(key);

@@ -1,24 +1,11 @@
 #!/usr/bin/env bash
 # Looks over the sources without running them: their form, clang-tidy's checks, the scripts, and the
-# project's own rules. Changes nothing; fails if anything is found.
+# project's own rules. Changes nothing; fails if anything is found. Sources that clang-tidy has found
+# clean are remembered; see scripts/tidy.py.
 #   scripts/lint.sh [CHECK...]    format, rules, scripts, tidy; without any, all of them
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 exec </dev/null
-
-# From the bottom up: a folder of src includes nothing from the ones behind it.
-readonly folders=(orlo trellis platform inventory persist update export inspect actions view start)
-
-install_missing() {
-  local tool missing=() root=()
-  for tool in clang-format clang-tidy shellcheck; do
-    command -v "$tool" >/dev/null || missing+=("$tool")
-  done
-  [ "${#missing[@]}" -gt 0 ] || return 0
-  [ "$(id -u)" -eq 0 ] || root=(sudo --)
-  "${root[@]}" env DEBIAN_FRONTEND=noninteractive \
-    apt-get -y install --no-install-recommends "${missing[@]}"
-}
 
 cpp_sources() {
   find src bench fuzz tests -name '*.cpp' -o -name '*.h' | sort
@@ -39,14 +26,24 @@ forbid() {
   return 1
 }
 
-# Names of the folders behind the given one, as alternatives of a pattern.
+# Reads the modules with what each knows of from CMakeLists.txt, where a module stands after those
+# that it is built on: sets knows[MODULE] to its own name and those of all below it.
+declare -A knows
+read_modules() {
+  local module others other
+  while read -r module others; do
+    knows[$module]=$module
+    for other in $others; do knows[$module]+=" ${knows[$other]}"; done
+  done < <(sed -nE 's/^zolvane_module\((.*)\)$/\1/p' CMakeLists.txt)
+}
+
+# The modules that the given one must not include from, as alternatives of a pattern.
 folders_above() {
-  local folder seen=no above=()
-  for folder in "${folders[@]}"; do
-    [ "$seen" = no ] || above+=("$folder")
-    [ "$folder" != "$1" ] || seen=yes
+  local other above=()
+  [ -n "${knows[$1]:-}" ] || { echo "lint: src/$1 is no module of CMakeLists.txt" >&2; return 1; }
+  for other in "${!knows[@]}"; do
+    [[ " ${knows[$1]} " == *" $other "* ]] || above+=("$other")
   done
-  [ "$seen" = yes ] || { echo "lint: src/$1 has no place in the order of folders" >&2; return 1; }
   (IFS='|'; echo "${above[*]}")
 }
 
@@ -59,12 +56,13 @@ check_rules() {
   forbid 'portable code has no wchar_t' '\bwchar_t\b' "${portable[@]}" || failed=1
   mapfile -t portable < <(printf '%s\n' "${portable[@]}" | grep -vx 'src/orlo/orlowin\.h')
   forbid 'portable code has no windows.h' '^#include <windows\.h>' "${portable[@]}" || failed=1
+  read_modules
   for folder in src/*/; do
     folder=$(basename "$folder")
     above=$(folders_above "$folder") || { failed=1; continue; }
     [ -n "$above" ] || continue
     mapfile -t inside < <(printf '%s\n' "${all[@]}" | grep "^src/$folder/")
-    forbid "src/$folder includes nothing from a folder above it" "^#include \"($above)/" "${inside[@]}" || failed=1
+    forbid "src/$folder includes only what it is built on" "^#include \"($above)/" "${inside[@]}" || failed=1
   done
   return "$failed"
 }
@@ -73,13 +71,8 @@ check_scripts() {
   shellcheck scripts/*.sh
 }
 
-# The portable sources, as the host build compiles them.
 check_tidy() {
-  cmake --preset host >/dev/null || return
-  # What it says beside its findings, on the error output, only counts what it left out.
-  sed -nE "s|^ *\"file\": \"$PWD/((src\|bench\|fuzz)/.*)\",?\$|\1|p" \
-    build/host/compile_commands.json | sort -u |
-    xargs -P "$(nproc)" -n 1 clang-tidy -p build/host --quiet 2>/dev/null
+  cmake --preset host >/dev/null && cmake --preset win32 >/dev/null && scripts/tidy.py
 }
 
 run_check() {
@@ -92,7 +85,7 @@ run_check() {
   esac
 }
 
-install_missing
+scripts/setup.sh
 checks=("$@")
 [ "${#checks[@]}" -gt 0 ] || checks=(format rules scripts tidy)
 failures=0

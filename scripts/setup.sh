@@ -14,8 +14,8 @@ readonly wine_packages=(wine wine32:i386 wine64 fonts-wine)
 readonly screen_packages=(xvfb openbox xdotool imagemagick x11-utils python3)
 readonly run_packages=(locales tzdata)
 readonly test_packages=(
-  clang g++ g++-mingw-w64-x86-64-posix libbenchmark-dev libchm-bin libclang-rt-14-dev libgmock-dev
-  libgtest-dev libxml2-dev python3-pytest python3-pytest-xdist)
+  clang clang-format clang-tidy g++ g++-mingw-w64-x86-64-posix libbenchmark-dev libchm-bin libclang-rt-14-dev libgmock-dev
+  libgtest-dev libxml2-dev python3-pytest python3-pytest-xdist shellcheck)
 # "NAME SOURCE", as localedef takes them.
 readonly wanted_locales=("en_GB.UTF-8 en_GB" "de_DE.UTF-8 de_DE")
 

@@ -31,11 +31,13 @@ attempt() {
   return "$status"
 }
 
-# build PRESET [OPTION...]
+# build PRESET [OPTION...]: with the benches, where the preset has any.
 build() {
-  local preset=$1
+  local preset=$1 targets=(all)
   shift
-  cmake --preset "$preset" "$@" && cmake --build --preset "$preset" -j "$(nproc)"
+  case $preset in host | win32 | win64) targets+=(zolvane_benches) ;; esac
+  cmake --preset "$preset" "$@" &&
+    cmake --build --preset "$preset" -j "$(nproc)" --target "${targets[@]}"
 }
 
 # run_ctest PRESET JOBS [COMMAND...]: all tests of a preset, behind a command where one is given.
@@ -71,6 +73,7 @@ run_e2e() {
 mkdir -p "$logs"
 rm -f "$record"
 scripts/setup.sh
+attempt step lint - scripts/lint.sh || true
 for preset in host asan tsan; do
   if attempt step "$preset" - build "$preset"; then run_ctest "$preset" "$(nproc)" || true; fi
 done

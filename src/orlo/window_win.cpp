@@ -107,7 +107,8 @@ LRESULT Window::start(HWND window, Start& start) {
     auto controller = (*start.factory)(window);
     if (controller == nullptr) return 0;
     controller->attach(GWLP_USERDATA);
-    controller.release();
+    // The window owns it from here on.
+    static_cast<void>(controller.release());
     made = true;
     return 0;
   });

@@ -45,7 +45,7 @@ void read_text(const Words& words, Json& answer) {
 
 /// set-text DIALOG ID TEXT
 void set_text(const Words& words, Json& answer) {
-  const std::string text = words.text(3);
+  const std::string& text = words.text(3);
   answer.number(send_limited(control_of(words), WM_SETTEXT, 0, as_lparam(text.c_str())));
 }
 
