@@ -19,6 +19,10 @@ GROUP = 1040
 
 NORMAL_PACKAGES, ALL_PACKAGES = 0, 4
 
+WM_SYSCOMMAND, WM_TIMER = 0x112, 0x113
+SC_MINIMIZE, SC_MAXIMIZE = 0xF020, 0xF030
+NOBODYS_TIMER = 4242
+
 
 def eventually(condition, what, limit=30):
     """Asks until the condition gives something true, and returns that. `what` is the text for a
@@ -139,23 +143,23 @@ class Program:
                    "the window is active")
 
     def minimise(self):
-        """Minimised for good: Wine makes a dialog's window a normal one when its queue is empty for
-        the first time, which lies behind the end of the first refresh."""
-        def stays_minimised():
-            self.ask("show", 6)  # SW_MINIMIZE
-            # Each text is an answer of the window's thread, given between two looks at its queue.
-            return all(self.window()["iconic"] and self.status() is not None for _ in range(3))
-
-        eventually(stays_minimised, "it is minimised")
+        """Minimised for good."""
+        self._size_for_good(SC_MINIMIZE)
+        eventually(lambda: self.window()["iconic"], "it is minimised")
 
     def maximise(self):
-        """Maximised for good, as minimise does, and on the screen too, where the mouse acts."""
-        def stays_maximised():
-            self.ask("show", 3)  # SW_MAXIMIZE
-            return (all(self.window()["zoomed"] and self.status() is not None for _ in range(3))
-                    and self._screen.frame_of(TITLE) == (0, 0, *SIZE))
+        """Maximised for good, and on the screen too, where the mouse acts."""
+        self._size_for_good(SC_MAXIMIZE)
+        eventually(lambda: self.window()["zoomed"]
+                   and self._screen.frame_of(TITLE) == (0, 0, *SIZE), "it is maximised")
 
-        eventually(stays_maximised, "it is maximised")
+    def _size_for_good(self, command):
+        """Wine makes a dialog's window a normal one when its loop first finds the queue empty or
+        meets a timer's message: behind the end of the first refresh, and under load long behind
+        it. So the loop is given such a message, and the command behind it. The first refresh has
+        to be over, as its wait would take the message for itself."""
+        self.ask("post", WM_TIMER, NOBODYS_TIMER, 0)
+        self.ask("post", WM_SYSCOMMAND, command, 0)
 
     def press_key(self, key):
         self.activate()
