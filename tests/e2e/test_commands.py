@@ -6,7 +6,7 @@ import pytest
 
 from conftest import SCREENSHOTS
 from support.program import (ALL_PACKAGES, LIST, REFRESH, SEARCH, TITLE, WINDOW_CLASS, DriverError,
-                             eventually)
+                             eventually, wait_for_focus)
 from support.registry import UNINSTALL, Key, reg_text
 
 QUIET = ("-nopersist", "-noupdate")
@@ -303,7 +303,7 @@ def test_the_about_box_says_what_it_is_and_leads_to_its_makers(window, open_it):
     assert not window.program.window()["enabled"]
     window.program.picture(SCREENSHOTS / f"{window.language}-about.png")
     left, top, _, bottom = ask("control", box, HOME_PAGE)["screen"]
-    eventually(lambda: ask("window", box)["foreground"], "the box is active")
+    wait_for_focus(window.desk.screen, window.texts["about"])
     window.desk.screen.click(left + 10, (top + bottom) // 2)
     assert opened_address(window.desk) == "https://example.org/zolvane"
     # What the shell has started may have taken the screen's focus with it.

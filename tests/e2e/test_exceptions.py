@@ -5,7 +5,7 @@ import shutil
 import pytest
 
 from conftest import BINARIES, SCREENSHOTS
-from support.program import Desk, eventually
+from support.program import Desk, eventually, wait_for_focus
 
 ACCESS_VIOLATION = 0xC0000005
 CPP_EXCEPTION = 0xE06D7363
@@ -177,7 +177,7 @@ def test_the_librarys_box_obeys_the_keyboard(with_texts):
     box = with_texts.box(pid, "Asking")
     assert box.text() == "Text & more"
     assert box.buttons() == ["&Yes, please", "&No, thanks", "&Leave", "&More"]
-    eventually(lambda: with_texts.driver("window", box.handle)["foreground"], "the box is active")
+    wait_for_focus(with_texts.screen, "Asking")
     with_texts.screen.picture(SCREENSHOTS / "message_box.png")
     with_texts.screen.press_key("Return")
     assert with_texts.exit_code(pid) == 7, "the second button is the default one"
@@ -187,7 +187,7 @@ def test_the_librarys_box_with_ok_alone_does_not_obey_escape(with_texts):
     pid = with_texts.start("tell")
     box = with_texts.box(pid, "Telling")
     assert box.text() == "One line\nand another"
-    eventually(lambda: with_texts.driver("window", box.handle)["foreground"], "the box is active")
+    wait_for_focus(with_texts.screen, "Telling")
     with_texts.screen.press_key("Escape")
     # Keys arrive in their order: Return ends what Escape has left open.
     with_texts.screen.press_key("Return")

@@ -8,7 +8,7 @@ import pytest
 
 from conftest import BINARIES
 from support.held import HeldDesk
-from support.program import ALL_PACKAGES, REFRESH, WINDOW_CLASS, eventually
+from support.program import ALL_PACKAGES, REFRESH, WINDOW_CLASS, eventually, wait_for_focus
 from support.registry import BINARY, SZ, UNINSTALL, USAGE_CACHE, Key, Usage, usage_bytes
 from support.watching import PLACES, shows_by_itself
 
@@ -314,8 +314,7 @@ def test_an_unknown_attribute_is_told_and_the_list_stays_empty_until_a_refresh(f
     box = files.driver("wait-window", program.pid, WINDOW_CLASS, "Exception", BOX_LIMIT)["handle"]
     texts = [control["text"] for control in files.driver("controls", box)]
     assert any("column not found" in text for text in texts), texts
-    # Seen, as by a user, before it goes: so the window manager knows what to give the focus back to.
-    eventually(lambda: files.desk.screen.focus_title() == "Exception", "the box has the focus")
+    wait_for_focus(files.desk.screen, "Exception")
     files.driver("post", box, WM_COMMAND, 1, 0)
     files.driver("wait-gone", box, BOX_LIMIT)
     assert names(program) == []

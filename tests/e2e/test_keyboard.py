@@ -3,7 +3,7 @@
 import pytest
 
 from support.program import (GROUP, LIST, MICROSOFT, REFRESH, SEARCH, STATUS, TITLE, TYPE,
-                             WINDOW_CLASS, DriverError, eventually)
+                             WINDOW_CLASS, DriverError, eventually, wait_for_focus)
 from support.registry import Key
 
 QUIET = ("-nopersist", "-noupdate")
@@ -53,7 +53,7 @@ def program(desk, language):
     desk.end_programs()
 
 
-def wait_for_focus(program, control):
+def wait_for_control(program, control):
     seen = []
 
     def is_there():
@@ -65,7 +65,7 @@ def wait_for_focus(program, control):
 def walk(program, stops, key):
     for stop in stops:
         program.press_key(key)
-        wait_for_focus(program, stop)
+        wait_for_control(program, stop)
 
 
 def boxes(desk, program):
@@ -77,7 +77,9 @@ def wait_for_box(desk, program, title=TITLE):
     def shown():
         return [box for box in boxes(desk, program)
                 if box["title"] == title and box["foreground"]]
-    return eventually(shown, f"a box {title!r}")[0]["handle"]
+    box = eventually(shown, f"a box {title!r}")[0]["handle"]
+    wait_for_focus(desk.screen, title)
+    return box
 
 
 def close_by_key(desk, program, box, key):
@@ -87,11 +89,11 @@ def close_by_key(desk, program, box, key):
 
 
 def test_it_starts_where_one_types_the_search(program):
-    wait_for_focus(program, SEARCH)
+    wait_for_control(program, SEARCH)
 
 
 def test_tab_goes_through_all_and_round(program):
-    wait_for_focus(program, SEARCH)
+    wait_for_control(program, SEARCH)
     stops = [stop for stop in STOPS if stop not in BUTTONS]
     walk(program, stops[1:] + stops[:1], "Tab")
     walk(program, stops[::-1], "shift+Tab")
@@ -107,7 +109,7 @@ def test_tab_stops_at_the_buttons_that_can_be_used(program):
 def test_mnemonics_lead_to_their_controls(program, language):
     for key, control in FOCUS_KEYS[language].items():
         program.press_key("alt+" + key)
-        wait_for_focus(program, control)
+        wait_for_control(program, control)
 
 
 def test_the_check_box_follows_its_key(program):
@@ -120,9 +122,9 @@ def test_the_check_box_follows_its_key(program):
 def test_refresh_by_key(program, language, way):
     if way in ("Enter", "blank"):
         program.press_key("alt+i")
-        wait_for_focus(program, ICON_PATH)
+        wait_for_control(program, ICON_PATH)
         program.press_key("shift+Tab")
-        wait_for_focus(program, REFRESH)
+        wait_for_control(program, REFRESH)
     program.ask("set-text", STATUS, "")
     program.press_key({"mnemonic": REFRESH_KEY[language], "F5": "F5", "Enter": "Return",
                        "blank": "space"}[way])
@@ -132,7 +134,7 @@ def test_refresh_by_key(program, language, way):
 
 def test_searching_and_choosing_by_key(desk, program, language):
     program.press_key("alt+f")
-    wait_for_focus(program, SEARCH)
+    wait_for_control(program, SEARCH)
     desk.screen.type_text("bare")
     status = STATUSES[language].replace("2 /", "1 /", 1)
     program.wait_for_status(status)
@@ -140,7 +142,7 @@ def test_searching_and_choosing_by_key(desk, program, language):
     program.press_key("Down")
     eventually(lambda: program.ask("text", NAME) == "Bare", "the row that is left")
     program.press_key("alt+t")
-    wait_for_focus(program, TYPE)
+    wait_for_control(program, TYPE)
     for index in (1, 2):
         program.press_key("Down")
         eventually(lambda: program.ask("combo", TYPE)["selected"] == index, "the next type")
@@ -158,11 +160,11 @@ def test_arrows_walk_the_list_and_the_pane_follows(program):
 
 def test_enter_does_nothing_outside_the_buttons(desk, program):
     for stop in (SEARCH, MICROSOFT, TYPE, LIST, NAME):
-        wait_for_focus(program, stop)
+        wait_for_control(program, stop)
         program.press_key("Return")
         # The keys come in their order: with Tab done, so is Enter.
         program.press_key("Tab")
-    wait_for_focus(program, REFRESH)
+    wait_for_control(program, REFRESH)
     assert program.window()["visible"] and boxes(desk, program) == []
 
 

@@ -8,7 +8,7 @@ import pytest
 
 from conftest import BINARIES
 from support.held import HeldDesk, eventually
-from support.program import REFRESH, TITLE, DriverError
+from support.program import REFRESH, TITLE, DriverError, wait_for_focus
 from support.registry import Key
 
 WM_CLOSE, WM_QUIT, WM_COMMAND, WM_SYSCOMMAND, WM_APP = 0x10, 0x12, 0x111, 0x112, 0x8000
@@ -141,7 +141,7 @@ def escape(state):
         post(WM_COMMAND, ESCAPE_COMMAND)(state)
         return
     screen = state.desk.screen
-    eventually(lambda: screen.focus_title() == title, f"{title} has the focus")
+    wait_for_focus(screen, title)
     screen.press_key("Escape")
 
 

@@ -38,6 +38,14 @@ def eventually(condition, what, limit=30):
         time.sleep(0.02)
 
 
+def wait_for_focus(screen, title):
+    """Until a window of this title gets the keys. A box that is closed before is one that nobody
+    can have seen: if it comes before the program's window has had the focus, the window manager
+    has nothing to give back, and no window gets the keys any more."""
+    eventually(lambda: screen.focus_title() == title,
+               lambda: f"{title!r} has the focus, which {screen.focus_title()!r} has")
+
+
 class Program:
     def __init__(self, driver, screen, pid, visible=True):
         self._driver = driver
@@ -228,4 +236,4 @@ class Desk:
         return self.driver("mutex", name)
 
 
-__all__ = ["Desk", "DriverError", "Program", "eventually"]
+__all__ = ["Desk", "DriverError", "Program", "eventually", "wait_for_focus"]
