@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # What takes hours: each fuzz target for ten million executions, with the coverage it reached, and
 # the end-to-end tests many times over.
-#   scripts/soak.sh [-n EXECUTIONS] [-r ROUNDS] [TARGET...]
+#   scripts/soak.sh [-b] [-n EXECUTIONS] [-r ROUNDS] [TARGET...]
 # A TARGET is the name of a fuzz target, "life" (closes and refreshes by the hundred) or "e2e";
-# without any, all take their turn, one at a time.
+# without any, all take their turn, one at a time. With -b the end-to-end tests run beside one busy
+# loop on each core.
 # What a fuzzer learns stays in build/soak/corpus, what it finds in build/soak/found; the figures
 # are printed as a table at the end and kept in build/soak/figures.tsv.
 set -euo pipefail
@@ -16,6 +17,8 @@ readonly work=build/soak
 readonly coverage_build=build/fuzz-coverage
 executions=10000000
 rounds=20
+busy=false
+loops=()
 
 # Each target's longest input: what a sensible text needs, as longer ones only cost time. Then the
 # code that its coverage is counted over: the source files, and a pattern for the functions of a
@@ -139,11 +142,31 @@ write_figures() {
   rm "$work/figures.new"
 }
 
+# A loop ends by itself once this script is gone, however that came.
+start_busy_loops() {
+  local core cores
+  cores=$(nproc)
+  for ((core = 0; core < cores; ++core)); do
+    # shellcheck disable=SC2016 # for the inner shell
+    taskset -c "$core" sh -c '
+      while kill -0 "$1" 2>/dev/null; do
+        i=0
+        while [ "$i" -lt 100000 ]; do i=$((i + 1)); done
+      done' busy-loop "$$" &
+    loops+=("$!")
+  done
+}
+end_busy_loops() {
+  [ "${#loops[@]}" -eq 0 ] || kill "${loops[@]}"
+  loops=()
+}
+
 # Fails if any round has a failed test.
 soak_e2e() {
   local round failed=0
   cmake --preset win32
   cmake --build --preset win32 -j "$(nproc)"
+  if "$busy"; then start_busy_loops; fi
   for ((round = 1; round <= rounds; ++round)); do
     if "$python" -m pytest -q -p no:cacheprovider -n "$(nproc)" --dist loadfile tests/e2e \
       >"$work/e2e.$round.log" 2>&1; then
@@ -154,6 +177,7 @@ soak_e2e() {
     fi
     echo "soak: end to end, round $round of $rounds: $(tail -n 1 "$work"/e2e."$round".*log)"
   done
+  end_busy_loops
   echo "soak: end to end, $failed of $rounds rounds had failures"
   [ "$failed" -eq 0 ]
 }
@@ -172,8 +196,9 @@ soak_life() {
     -k 'closes or leave_nothing' tests/e2e/test_life.py tests/e2e/test_watching.py
 }
 
-while getopts n:r: option; do
+while getopts bn:r: option; do
   case $option in
+    b) busy=true ;;
     n) executions=$OPTARG ;;
     r) rounds=$OPTARG ;;
     *) usage ;;
@@ -187,6 +212,7 @@ for target in "${targets[@]}"; do
   [[ " ${known[*]} life e2e " == *" $target "* ]] || { echo "soak: no target $target" >&2; usage; }
 done
 
+trap end_busy_loops EXIT
 scripts/setup.sh
 mkdir -p "$work"
 case " ${targets[*]} " in

@@ -6,7 +6,7 @@ from pathlib import Path
 
 import pytest
 
-from support import registry
+from support import registry, trace
 from support.driver import Driver
 from support.prefix import Prefix, make_template
 from support.program import Desk
@@ -17,6 +17,42 @@ BINARIES = Path(os.environ.get("ZOLVANE_BINARIES", ROOT / "build/win32"))
 SCREENSHOTS = ROOT / "build/screenshots"
 
 ENGLISH, GERMAN = "en_GB.UTF-8", "de_DE.UTF-8"
+
+# What tells how clicks, keys and the focus came to go where they went.
+TRACE_CHANNELS = "+timestamp,+pid,+tid,+event,+x11drv,+cursor,+menu,+win"
+
+
+def pytest_addoption(parser):
+    parser.addoption("--times", type=int, default=1, help="run each test so many times")
+    parser.addoption("--wine-trace", action="store_true",
+                     help="keep Wine's trace of each test that fails in build/traces")
+
+
+def pytest_configure(config):
+    if config.getoption("wine_trace"):
+        trace.current = trace.Trace(ROOT / "build/traces", TRACE_CHANNELS)
+
+
+def pytest_generate_tests(metafunc):
+    times = metafunc.config.getoption("times")
+    if times > 1:
+        metafunc.fixturenames.append("turn")
+        metafunc.parametrize("turn", range(times))
+
+
+def pytest_runtest_setup():
+    trace.current.begin()
+
+
+def pytest_unconfigure():
+    trace.current.begin()
+
+
+@pytest.hookimpl(hookwrapper=True)
+def pytest_runtest_makereport(item):
+    outcome = yield
+    if outcome.get_result().failed:
+        trace.current.keep(item.name, item.funcargs.get("screen"))
 
 
 @pytest.fixture(scope="session")
@@ -48,7 +84,9 @@ def make_desk(screen, template):
                 prefix.make_file(file)
             if keys or usages:
                 prefix.import_registry(registry.reg_text(keys, usages))
-            driver = stack.enter_context(contextlib.closing(
-                Driver(BINARIES / "zolvane-driver.exe", prefix.env)))
+            driver = stack.enter_context(contextlib.closing(Driver(
+                BINARIES / "zolvane-driver.exe",
+                dict(prefix.env, WINEDEBUG=trace.current.channels),
+                stack.enter_context(trace.current.open()))))
             yield Desk(screen, prefix, driver, BINARIES / "zolvane.exe")
     return make

@@ -4,6 +4,7 @@ filled, and writes a picture of the window: take_picture.py FOLDER-OF-PROGRAMS P
 
 import contextlib
 import os
+import subprocess
 import sys
 from pathlib import Path
 
@@ -23,7 +24,7 @@ def main():
         screen = stack.enter_context(contextlib.closing(Screen()))
         env = dict(os.environ, DISPLAY=screen.env["DISPLAY"])
         driver = stack.enter_context(contextlib.closing(
-            Driver(folder / "zolvane-driver.exe", env)))
+            Driver(folder / "zolvane-driver.exe", env, subprocess.DEVNULL)))
         command = '"Z:' + str(folder / "zolvane.exe").replace("/", "\\") + '"'
         program = Program(driver, screen, driver("start", command))
         eventually(lambda: is_filled(program), "the list is filled", limit=120)

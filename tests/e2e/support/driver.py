@@ -4,6 +4,8 @@ import json
 import select
 import subprocess
 
+from .trace import note
+
 # Longer than any wait that a command is given, so that the driver's own limit speaks first.
 ANSWER_LIMIT = 90
 
@@ -32,9 +34,10 @@ def to_word(value):
 
 
 class Driver:
-    def __init__(self, program, env):
+    def __init__(self, program, env, stderr):
+        """`stderr` gets what Wine tells of the driver and of all that it starts."""
         self._process = subprocess.Popen(["wine", str(program)], env=env, stdin=subprocess.PIPE,
-                                         stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+                                         stdout=subprocess.PIPE, stderr=stderr)
         self._buffer = b""
 
     def __call__(self, command, *arguments):
@@ -49,7 +52,9 @@ class Driver:
         line = " ".join([command, *(to_word(argument) for argument in arguments)])
         self._process.stdin.write(line.encode("ascii") + b"\n")
         self._process.stdin.flush()
+        note(line)
         answer = json.loads(self._read_line(line))
+        note(str(answer)[:300])
         if not answer["ok"]:
             raise DriverError(f"{line}: {answer['error']}")
         return answer["value"]

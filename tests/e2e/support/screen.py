@@ -6,6 +6,7 @@ import re
 import subprocess
 
 from .picture import Picture
+from .trace import note
 
 SIZE = (1280, 1024)
 
@@ -41,6 +42,7 @@ class Screen:
         return picture
 
     def _xdotool(self, *words):
+        note(f"xdotool {words}")
         subprocess.run(["xdotool", *(str(word) for word in words)], env=self.env, check=True,
                        stdin=subprocess.DEVNULL, timeout=20)
 
@@ -70,7 +72,9 @@ class Screen:
         asked = subprocess.run(["xdotool", "getwindowfocus", "getwindowname"], env=self.env,
                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                                stderr=subprocess.DEVNULL, timeout=20)
-        return asked.stdout.decode().strip()
+        title = asked.stdout.decode().strip()
+        note(f"focus on {title!r}")
+        return title
 
     def frame_of(self, title):
         """A window with the frame that the window manager has put around it."""
