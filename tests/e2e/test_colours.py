@@ -131,8 +131,8 @@ class Gallery:
         chosen = [i for i, column in enumerate(self.program.columns()) if column["arrow"]]
         if state.sorted_by is None or chosen == [state.sorted_by]:
             return
-        left, top, right, bottom = self.program.ask("header-rect", LIST, state.sorted_by)["screen"]
         self.program.activate()
+        left, top, right, bottom = self.program.ask("header-rect", LIST, state.sorted_by)["screen"]
         self.desk.screen.click((left + right) // 2, (top + bottom) // 2)
         eventually(lambda: self.program.columns()[state.sorted_by]["arrow"], "the column's arrow")
 
@@ -293,8 +293,8 @@ def test_a_single_row_shows_its_sort_column_at_once(changed_version):
     desk, program = changed_version
     program.ask("command", REFRESH)
     expect_grounds(program, [WHITE, WHITE])
-    left, top, right, bottom = program.ask("header-rect", LIST, VERSION)["screen"]
     program.activate()
+    left, top, right, bottom = program.ask("header-rect", LIST, VERSION)["screen"]
     desk.screen.click((left + right) // 2, (top + bottom) // 2)
     expect_grounds(program, [WHITE, CREAM])
 

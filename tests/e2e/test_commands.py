@@ -118,9 +118,9 @@ class Window:
             return None
 
     def click_cell(self, name, column, button=1, times=1):
+        self.program.activate()
         left, top, right, bottom = self.program.ask(
             "list-cell-rect", LIST, ROWS[name], column)["screen"]
-        self.program.activate()
         self.desk.screen.click((left + right) // 2, (top + bottom) // 2, button, times)
 
     def leave_popup(self):
@@ -250,8 +250,8 @@ def test_a_right_click_beside_the_rows_or_on_a_line_without_actions_opens_no_men
 @both_languages
 def test_a_right_click_on_the_header_offers_all_columns(window):
     program = window.program
-    left, top, right, bottom = program.ask("header-rect", LIST, 2)["screen"]
     program.activate()
+    left, top, right, bottom = program.ask("header-rect", LIST, 2)["screen"]
     window.desk.screen.click((left + right) // 2, (top + bottom) // 2, button=3)
     items = eventually(window.popup, "the popup menu")
     assert [(item["id"], item["gray"]) for item in items] == [(SHOW_ALL_COLUMNS, False)]
@@ -381,16 +381,16 @@ def test_a_package_that_goes_while_its_menu_is_open_leaves_nothing_behind(own):
 
 @contextlib.contextmanager
 def scroll_bar_dragged(own):
-    left, _, _, bottom = own.program.control(LIST)["screen"]
     own.program.activate()
+    left, _, _, bottom = own.program.control(LIST)["screen"]
     with own.desk.screen.button_held(left + 40, bottom - 10):
         yield
 
 
 @contextlib.contextmanager
 def menu_of_a_text_open(own):
-    left, top, _, bottom = own.program.control(SEARCH)["screen"]
     own.program.activate()
+    left, top, _, bottom = own.program.control(SEARCH)["screen"]
     own.desk.screen.click(left + 20, (top + bottom) // 2, button=3)
     eventually(lambda: own.program.ask("in-menu"), "the menu is open")
     yield

@@ -124,12 +124,12 @@ class Program:
 
     def click_header(self, column, shift=-3):
         """`shift`: a second click at the very same place would count as a double click."""
+        self.activate()
         left, _, right, _ = self.control(LIST)["screen"]
         middle = sum(self._header(column)[::2]) // 2
         if not left + 20 < middle < right - 20:
             self.send_to(LIST, 0x1014, middle - (left + right) // 2)  # LVM_SCROLL
         header = self._header(column)
-        self.activate()
         self._screen.click((header[0] + header[2]) // 2 + shift, (header[1] + header[3]) // 2)
 
     def wait_for_status(self, text):
@@ -146,7 +146,8 @@ class Program:
         self.wait_for_status(f"{count} / {count} packages")
 
     def activate(self):
-        """Waits until the window manager has given the window the focus, and the window knows."""
+        """Waits until the window manager has given the window the focus, and the window knows. By
+        then it also knows where the manager has put it: places are read afterwards."""
         eventually(lambda: self.window()["foreground"] and self._screen.focus_title() == TITLE,
                    "the window is active")
 
@@ -174,8 +175,8 @@ class Program:
         self._screen.press_key(key)
 
     def click(self, control_id):
-        left, top, right, bottom = self.control(control_id)["screen"]
         self.activate()
+        left, top, right, bottom = self.control(control_id)["screen"]
         self._screen.click((left + right) // 2, (top + bottom) // 2)
 
     def close(self):
