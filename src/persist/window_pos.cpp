@@ -10,8 +10,9 @@ namespace {
 // What it takes to grasp a title bar.
 constexpr int64_t kGripWidth = 48;
 constexpr int64_t kTitleHeight = 24;
-// No system has larger windows.
-constexpr int64_t kLargest = 32767;
+// No system has larger windows, or windows further out: messages tell of places in 16 bits.
+constexpr int kLargest = 32767;
+constexpr int kFarthest = -32768;
 
 /// Length that two spans have in common; negative or 0 if they don't meet.
 int64_t overlap(int64_t begin, int64_t end, int64_t other_begin, int64_t other_end) {
@@ -20,6 +21,11 @@ int64_t overlap(int64_t begin, int64_t end, int64_t other_begin, int64_t other_e
 
 int size(int begin, int end) noexcept {
   return static_cast<int>(std::clamp<int64_t>(int64_t{end} - begin, 0, kLargest));
+}
+
+/// Where both can't be had, a window is larger than the most rather than smaller than the least.
+int limited(int length, int least, int most) noexcept {
+  return std::clamp(std::max(std::min(length, most), least), 0, kLargest);
 }
 
 bool in_reach(const WindowPos& pos, const ScreenArea& area) {
@@ -61,6 +67,15 @@ void keep_window_pos(const WindowPos& pos, String& windowPos) {
   if (pos.show_command == WindowPos::kMinimized) return;
   const String text = window_pos_text(pos);
   if (std::strcmp(text.c_str(), windowPos.c_str()) != 0) windowPos = text;
+}
+
+WindowPos as_placed(const WindowPos& pos, const SizeLimits& limits) {
+  WindowPos placed = pos;
+  placed.left = std::clamp(pos.left, kFarthest, kLargest);
+  placed.top = std::clamp(pos.top, kFarthest, kLargest);
+  placed.right = placed.left + limited(pos.width(), limits.min_width, limits.max_width);
+  placed.bottom = placed.top + limited(pos.height(), limits.min_height, limits.max_height);
+  return placed;
 }
 
 WindowPos within_reach(const WindowPos& pos, const std::vector<ScreenArea>& areas) {

@@ -32,6 +32,17 @@ String window_pos_text(const WindowPos& pos);
 /// Puts the place of a window that is not minimised into `windowPos`, if it differs.
 void keep_window_pos(const WindowPos& pos, String& windowPos);
 
+/// The least and the most that the system allows of a window's size.
+struct SizeLimits {
+  int min_width = 0;
+  int min_height = 0;
+  int max_width = 0;
+  int max_height = 0;
+};
+
+/// Where the system would put a window that is moved to the place.
+WindowPos as_placed(const WindowPos& pos, const SizeLimits& limits);
+
 /// A part of the screens that a window may cover, in pixels; `right` and `bottom` lie outside.
 struct ScreenArea {
   int left = 0;

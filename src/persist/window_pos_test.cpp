@@ -77,6 +77,69 @@ TEST(WindowPos, HasASizeThatAWindowCanHave) {
   }
 }
 
+constexpr SizeLimits kLimits = {600, 400, 1292, 1036};
+
+TEST(WindowAsPlaced, HasASizeWithinTheLimits) {
+  const struct {
+    WindowPos saved;
+    WindowPos placed;
+  } rows[] = {
+      {{10, 20, 710, 520, 1}, {10, 20, 710, 520, 1}},
+      {{10, 20, 610, 420, 3}, {10, 20, 610, 420, 3}},
+      {{10, 20, 609, 419, 1}, {10, 20, 610, 420, 1}},
+      {{10, 20, 1302, 1056, 1}, {10, 20, 1302, 1056, 1}},
+      {{10, 20, 1303, 1057, 1}, {10, 20, 1302, 1056, 1}},
+      {{710, 520, 10, 20, 1}, {710, 520, 1310, 920, 1}},
+  };
+  for (const auto& row : rows)
+    EXPECT_EQ(as_placed(row.saved, kLimits), row.placed) << window_pos_text(row.saved).c_str();
+}
+
+TEST(WindowAsPlaced, LiesNoFurtherOutThanAWindowCan) {
+  const struct {
+    WindowPos saved;
+    WindowPos placed;
+  } rows[] = {
+      {{INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX, 1}, {-32768, -32768, -31476, -31732, 1}},
+      {{INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN, 1}, {32767, 32767, 33367, 33167, 1}},
+      {{INT32_MIN, INT32_MAX, INT32_MIN, INT32_MAX, 1}, {-32768, 32767, -32168, 33167, 1}},
+      {{-32768, 32767, -32068, 33267, 1}, {-32768, 32767, -32068, 33267, 1}},
+      {{-32769, 32768, -32069, 33268, 1}, {-32768, 32767, -32068, 33267, 1}},
+  };
+  for (const auto& row : rows)
+    EXPECT_EQ(as_placed(row.saved, kLimits), row.placed) << window_pos_text(row.saved).c_str();
+}
+
+TEST(WindowAsPlaced, TakesTheLeastWhereTheMostIsLess) {
+  EXPECT_EQ(as_placed({0, 0, 700, 500, 1}, {600, 400, 320, 200}), (WindowPos{0, 0, 600, 400, 1}));
+}
+
+TEST(WindowAsPlaced, StandsLimitsThatAreNone) {
+  EXPECT_EQ(as_placed({0, 0, 700, 500, 1}, {INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN}),
+            (WindowPos{0, 0, 32767, 32767, 1}));
+  EXPECT_EQ(as_placed({5, 6, 700, 500, 1}, {INT32_MIN, INT32_MIN, INT32_MIN, INT32_MIN}),
+            (WindowPos{5, 6, 5, 6, 1}));
+}
+
+TEST(WindowWithinReach, IsFoundFromWhateverHasBeenSaved) {
+  const int edges[] = {INT32_MIN, INT32_MIN + 1, -32769, -32768, -801,  -800,          -1,
+                       0,         1279,          1280,   32767,  32768, INT32_MAX - 1, INT32_MAX};
+  for (const int left : edges)
+    for (const int top : edges)
+      for (const int right : edges)
+        for (const int bottom : edges) {
+          const WindowPos saved{left, top, right, bottom, 1};
+          const WindowPos shown = within_reach(as_placed(saved, kLimits), kScreens);
+          const bool on_first = shown.right >= 48 && shown.left <= 1280 - 48 && shown.top >= -12 &&
+                                shown.top <= 984 - 12;
+          const bool on_second = shown.right >= -800 + 48 && shown.left <= -48 &&
+                                 shown.top >= 100 - 12 && shown.top <= 700 - 12;
+          ASSERT_TRUE(on_first || on_second) << window_pos_text(saved).c_str();
+          ASSERT_LE(shown.width(), kLimits.max_width) << window_pos_text(saved).c_str();
+          ASSERT_LE(shown.height(), kLimits.max_height) << window_pos_text(saved).c_str();
+        }
+}
+
 TEST(WindowWithinReach, StaysWithoutAScreen) {
   const WindowPos pos{3000, 100, 3900, 800, 1};
   EXPECT_EQ(within_reach(pos, {}), pos);

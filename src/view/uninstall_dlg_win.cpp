@@ -1,6 +1,5 @@
 #include "view/uninstall_dlg.h"
 
-#include <algorithm>
 #include <exception>
 #include <iterator>
 #include <optional>
@@ -81,13 +80,14 @@ BOOL CALLBACK add_work_area(HMONITOR monitor, HDC, RECT*, LPARAM list) {
   return TRUE;
 }
 
-/// No window lies further out, as messages tell of places in 16 bits.
-int coordinate(int value) {
-  return std::clamp(value, -32768, 32767);
-}
-
-void move_to(HWND window, const WindowPos& pos) {
-  MoveWindow(window, coordinate(pos.left), coordinate(pos.top), pos.width(), pos.height(), TRUE);
+/// What the system allows of the window's size, and the window itself.
+SizeLimits size_limits(HWND window) {
+  MINMAXINFO info = {};
+  info.ptMinTrackSize = {GetSystemMetrics(SM_CXMINTRACK), GetSystemMetrics(SM_CYMINTRACK)};
+  info.ptMaxTrackSize = {GetSystemMetrics(SM_CXMAXTRACK), GetSystemMetrics(SM_CYMAXTRACK)};
+  SendMessageA(window, WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&info));
+  return {info.ptMinTrackSize.x, info.ptMinTrackSize.y, info.ptMaxTrackSize.x,
+          info.ptMaxTrackSize.y};
 }
 
 /// What windows may cover of each screen, that of the primary one first.
@@ -201,14 +201,11 @@ void UninstallDlg::place_window() {
     ORLO::center_window(_hwnd);
     return;
   }
-  // Laid out anew on its way, by the message that tells of the new size.
-  move_to(_hwnd, *saved);
-  // The size may have become another one; only now is it sure where the window lies.
-  RECT frame = {};
-  GetWindowRect(_hwnd, &frame);
-  const WindowPos lies{frame.left, frame.top, frame.right, frame.bottom, saved->show_command};
-  const WindowPos reachable = within_reach(lies, work_areas());
-  if (reachable != lies) move_to(_hwnd, reachable);
+  // Corrected before the window is moved, by the size that it is going to have: it never lies out of
+  // reach, and is laid out once.
+  const WindowPos place = within_reach(as_placed(*saved, size_limits(_hwnd)), work_areas());
+  // The layout follows from the message that tells of the new size.
+  MoveWindow(_hwnd, place.left, place.top, place.width(), place.height(), TRUE);
   ShowWindow(_hwnd, saved->show_command);
 }
 

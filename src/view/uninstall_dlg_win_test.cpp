@@ -331,6 +331,42 @@ TEST_F(MisplacedUninstallDlgTest, OpensInTheMiddleAndReadsTheListAllTheSame) {
   EXPECT_EQ(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0), 2);
 }
 
+/// Whether a window of the thread has been told that it lies beyond the screens.
+bool was_beyond = false;
+
+LRESULT CALLBACK look_for_places(int code, WPARAM wparam, LPARAM lparam) {
+  const auto& sent = *reinterpret_cast<const CWPSTRUCT*>(lparam);
+  if (code == HC_ACTION && sent.message == WM_WINDOWPOSCHANGED &&
+      GetAncestor(sent.hwnd, GA_ROOT) == sent.hwnd) {
+    RECT frame = {};
+    GetWindowRect(sent.hwnd, &frame);
+    was_beyond = was_beyond || MonitorFromRect(&frame, MONITOR_DEFAULTTONULL) == nullptr;
+  }
+  return CallNextHookEx(nullptr, code, wparam, lparam);
+}
+
+struct PlaceWatch {
+  PlaceWatch() { was_beyond = false; }
+  ~PlaceWatch() { UnhookWindowsHookEx(hook); }
+  PlaceWatch(const PlaceWatch&) = delete;
+  PlaceWatch& operator=(const PlaceWatch&) = delete;
+
+  HHOOK hook = SetWindowsHookExA(WH_CALLWNDPROC, &look_for_places, nullptr, GetCurrentThreadId());
+};
+
+struct FarUninstallDlgTest : PlaceWatch, UninstallDlgTest {
+  FarUninstallDlgTest() : UninstallDlgTest("-2147483648/-2147483648/2147483647/2147483647 - 1") {}
+};
+
+TEST_F(FarUninstallDlgTest, IsNotEvenOnItsWayOutOfReach) {
+  EXPECT_FALSE(was_beyond);
+  const RECT rect = place();
+  EXPECT_NE(MonitorFromRect(&rect, MONITOR_DEFAULTTONULL), nullptr);
+  // Such a place would have been seen.
+  SetWindowPos(window, nullptr, 5000, 5000, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+  EXPECT_TRUE(was_beyond);
+}
+
 TEST_F(UninstallDlgTest, CombosHearOnlyOfAChoice) {
   const HWND types = GetDlgItem(window, IDC_TYPE);
   SetDlgItemTextA(window, IDC_STATUS, "untouched");
