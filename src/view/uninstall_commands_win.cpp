@@ -319,6 +319,8 @@ void UninstallDlg::update_menu(HMENU menu) {
 }
 
 void UninstallDlg::track_popup(unsigned menu, POINT on_screen) {
+  // Its loop would keep the end waiting.
+  if (ending()) return;
   const ORLO::OwnedMenu loaded = resources_.load_menu(menu);
   const HMENU popup = GetSubMenu(loaded.get(), 0);
   const CommandContext at = context();

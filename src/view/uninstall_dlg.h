@@ -80,6 +80,8 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   template <typename Show>
   void show_box(Show show);
 
+  /// False if the command is left to the system.
+  bool system_command(WPARAM wparam);
   /// Puts the window where it was last, or in the middle.
   void place_window();
   void requestRefresh();
@@ -88,6 +90,8 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   /// While a menu is open or the mouse drags something, the refresh waits for the end of that.
   void refresh(void (RefreshCycle::*request)());
   void end_if_due();
+  /// Whether an end has been asked for, or is under way.
+  bool ending() const noexcept { return shut_down_ || due_result_.has_value(); }
   /// False if the last run has left nothing that can be used.
   bool readHistory();
   /// Stops the threads and keeps what lasts. Does nothing the second time.

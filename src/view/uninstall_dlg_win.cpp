@@ -201,8 +201,8 @@ void UninstallDlg::place_window() {
     ORLO::center_window(_hwnd);
     return;
   }
-  // Corrected before the window is moved, by the size that it is going to have: it never lies out of
-  // reach, and is laid out once.
+  // Corrected before the window is moved, by the size that it is going to have: it never lies out
+  // of reach, and is laid out once.
   const WindowPos place = within_reach(as_placed(*saved, size_limits(_hwnd)), work_areas());
   // The layout follows from the message that tells of the new size.
   MoveWindow(_hwnd, place.left, place.top, place.width(), place.height(), TRUE);
@@ -235,10 +235,7 @@ LRESULT UninstallDlg::WndProc(UINT message, WPARAM wparam, LPARAM lparam) {
       update_menu(reinterpret_cast<HMENU>(wparam));
       return FALSE;
     case WM_SYSCOMMAND:
-      // The system keeps the lowest four bits for itself.
-      if ((wparam & 0xfff0) != ID_ABOUT) return Base::WndProc(message, wparam, lparam);
-      show_about();
-      return TRUE;
+      return system_command(wparam) ? TRUE : Base::WndProc(message, wparam, lparam);
     case WM_CLOSE:
       closing = true;
       // Only what the user has typed is read.
@@ -250,6 +247,22 @@ LRESULT UninstallDlg::WndProc(UINT message, WPARAM wparam, LPARAM lparam) {
           TranslateAcceleratorA(_hwnd, accelerators_.get(), reinterpret_cast<MSG*>(lparam)));
     default:
       return Base::WndProc(message, wparam, lparam);
+  }
+}
+
+bool UninstallDlg::system_command(WPARAM wparam) {
+  // The system keeps the lowest four bits for itself.
+  switch (wparam & 0xfff0) {
+    case ID_ABOUT:
+      show_about();
+      return true;
+    case SC_KEYMENU:
+    case SC_MOUSEMENU:
+      // The loop of a menu would keep the end waiting. Letting go of Alt opens one where the window
+      // manager has taken the F4 of Alt+F4 for itself.
+      return ending();
+    default:
+      return false;
   }
 }
 

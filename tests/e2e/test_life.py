@@ -8,7 +8,7 @@ import pytest
 
 from conftest import BINARIES
 from support.held import HeldDesk, eventually
-from support.program import REFRESH, TITLE, DriverError, wait_for_focus
+from support.program import LIST, REFRESH, TITLE, DriverError, wait_for_focus
 from support.registry import Key
 
 WM_CLOSE, WM_QUIT, WM_COMMAND, WM_SYSCOMMAND, WM_APP = 0x10, 0x12, 0x111, 0x112, 0x8000
@@ -257,6 +257,24 @@ def test_the_window_stays_until_the_refresh_that_it_is_closed_in_has_ended(desk,
     desk.reached()
     assert state.program.window()["visible"]
     desk.go()
+    check_ends(state)
+
+
+# As letting go of Alt does, behind an F4 that the window manager has taken; and of Alt and Space.
+@pytest.mark.parametrize("key", [0, ord(" ")], ids=["bar", "system"])
+def test_no_menu_keeps_an_end_waiting(desk, key):
+    state = ending(desk, "")
+    state.program.ask("post", WM_SYSCOMMAND, SC_KEYMENU, key)
+    state.leave()
+    check_ends(state)
+
+
+def test_no_popup_menu_keeps_an_end_waiting(desk):
+    state = ending(desk, "")
+    left, top, right, bottom = state.program.ask("header-rect", LIST, 2)["screen"]
+    state.program.activate()
+    desk.screen.click((left + right) // 2, (top + bottom) // 2, button=3)
+    state.leave()
     check_ends(state)
 
 
