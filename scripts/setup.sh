@@ -2,6 +2,7 @@
 # Installs what building, testing and running need on Debian 12, and only what is missing.
 #   scripts/setup.sh        everything
 #   scripts/setup.sh run    only what scripts/run.sh needs
+#   scripts/setup.sh tests  only what running built win32 tests needs; on Debian 13, too
 set -euo pipefail
 
 readonly purpose=${1:-all}
@@ -10,12 +11,14 @@ readonly purpose=${1:-all}
 # fp-utils: the compiler of the help file.
 readonly build_packages=(
   cmake ninja-build g++-mingw-w64-i686-posix googletest fp-utils-3.2.2)
-readonly wine_packages=(wine wine32:i386 wine64 fonts-wine)
+wine_packages=(wine wine32:i386 wine64 fonts-wine)
 readonly screen_packages=(xvfb openbox xdotool imagemagick x11-utils python3)
 readonly run_packages=(locales tzdata)
+# cmake: with ctest in it.
+readonly test_run_packages=(cmake libchm-bin python3-pytest python3-pytest-xdist)
 readonly test_packages=(
-  clang clang-format clang-tidy g++ g++-mingw-w64-x86-64-posix libbenchmark-dev libchm-bin libclang-rt-14-dev libgmock-dev
-  libgtest-dev libxml2-dev python3-pytest python3-pytest-xdist shellcheck)
+  clang clang-format clang-tidy g++ g++-mingw-w64-x86-64-posix libbenchmark-dev
+  libclang-rt-14-dev libgmock-dev libgtest-dev libxml2-dev shellcheck)
 # "NAME SOURCE", as localedef takes them.
 readonly wanted_locales=("en_GB.UTF-8 en_GB" "de_DE.UTF-8 de_DE")
 
@@ -77,6 +80,13 @@ PINS
   return "$status"
 }
 
+# Wine 10, from Debian 13 on, is caught in a loop without it once a window covers a whole screen.
+add_pointer_library() {
+  local debian
+  debian=$(sed -nE 's/^VERSION_ID="?([0-9]+).*/\1/p' /etc/os-release)
+  [ "${debian:-13}" -lt 13 ] || wine_packages+=(libxi6:i386)
+}
+
 install_wine() {
   [ -n "$(missing "${wine_packages[@]}")" ] || return 0
   echo "setup: installing Wine with its 32-bit half"
@@ -102,10 +112,12 @@ make_locales() {
 
 case $purpose in
   all) install_missing "${build_packages[@]}" "${screen_packages[@]}" "${run_packages[@]}" \
-         "${test_packages[@]}" ;;
+         "${test_packages[@]}" "${test_run_packages[@]}" ;;
   run) install_missing "${build_packages[@]}" "${screen_packages[@]}" "${run_packages[@]}" ;;
-  *) echo "usage: $0 [run]" >&2; exit 2 ;;
+  tests) install_missing "${screen_packages[@]}" "${run_packages[@]}" "${test_run_packages[@]}" ;;
+  *) echo "usage: $0 [run | tests]" >&2; exit 2 ;;
 esac
+add_pointer_library
 install_wine
 make_locales
 echo "setup: everything needed is installed"

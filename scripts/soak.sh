@@ -3,8 +3,10 @@
 # the end-to-end tests many times over.
 #   scripts/soak.sh [-b] [-n EXECUTIONS] [-r ROUNDS] [TARGET...]
 # A TARGET is the name of a fuzz target, "life" (closes and refreshes by the hundred) or "e2e";
-# without any, all take their turn, one at a time. With -b the end-to-end tests run beside one busy
-# loop on each core.
+# without any, all of these take their turn, one at a time. With -b the end-to-end tests run beside
+# one busy loop on each core. One more target is only run if named, as it needs root and fetches a
+# system of a gigabyte and more: "wine10", all tests of the win32 build in a Debian 13 with its Wine 10
+# (see wine10.sh).
 # What a fuzzer learns stays in build/soak/corpus, what it finds in build/soak/found; the figures
 # are printed as a table at the end and kept in build/soak/figures.tsv.
 set -euo pipefail
@@ -196,6 +198,33 @@ soak_life() {
     -k 'closes or leave_nothing' tests/e2e/test_life.py tests/e2e/test_watching.py
 }
 
+# judge NAME KIND RESULTS COMMAND...: runs a command's tests under Wine 10, and says how many have
+# passed and failed. KIND and RESULTS are those of count_results.py.
+judge() {
+  local name=$1 kind=$2 results=$3 output="$work/wine10/$1" status=0
+  shift 3
+  scripts/wine10.sh "$@" >"$output.log" 2>&1 || status=$?
+  printf '%s\t%s\t%s\t%s\n' "$name" "$status" "$kind" "$results" >"$output.tsv"
+  status=0
+  "$python" scripts/count_results.py "$output.tsv" >"$output.figures" || status=$?
+  [ "$status" -eq 0 ] || tail -n 40 "$output.log"
+  sed "s/^/soak: Wine 10, $name: /" "$output.figures"
+  return "$status"
+}
+
+soak_wine10() {
+  local own=$work/wine10 failed=0
+  cmake --preset win32 -DCMAKE_CROSSCOMPILING_EMULATOR=wine || return
+  cmake --build --preset win32 -j "$(nproc)" || return
+  mkdir -p "$own"
+  rm -rf "$own/results" "$own/screenshots" "$own/e2e.xml"
+  judge unit ctest "$own/results" "$python" tests/e2e/in_prefix.py \
+    ctest --preset win32 --output-junit "$PWD/build/win32/results/ctest.xml" || failed=1
+  judge e2e junit "$own/e2e.xml" "$python" -m pytest -p no:cacheprovider -n "$(nproc)" \
+    --dist loadfile --junitxml="$own/e2e.xml" tests/e2e || failed=1
+  return "$failed"
+}
+
 while getopts bn:r: option; do
   case $option in
     b) busy=true ;;
@@ -209,21 +238,24 @@ mapfile -t known < <(all_targets)
 targets=("$@")
 [ "${#targets[@]}" -gt 0 ] || targets=("${known[@]}" life e2e)
 for target in "${targets[@]}"; do
-  [[ " ${known[*]} life e2e " == *" $target "* ]] || { echo "soak: no target $target" >&2; usage; }
+  [[ " ${known[*]} life e2e wine10 " == *" $target "* ]] ||
+    { echo "soak: no target $target" >&2; usage; }
 done
 
 trap end_busy_loops EXIT
 scripts/setup.sh
 mkdir -p "$work"
-case " ${targets[*]} " in
-  " life " | " e2e " | " life e2e ") ;;
-  *) build_fuzzers ;;
-esac
+for target in "${targets[@]}"; do
+  [[ " ${known[*]} " == *" $target "* ]] || continue
+  build_fuzzers
+  break
+done
 failures=0
 for target in "${targets[@]}"; do
   case $target in
     life) soak_life || failures=$((failures + 1)) ;;
     e2e) soak_e2e || failures=$((failures + 1)) ;;
+    wine10) soak_wine10 || failures=$((failures + 1)) ;;
     *) soak "$target" || failures=$((failures + 1)) ;;
   esac
 done

@@ -2,6 +2,7 @@
 
 import fcntl
 import os
+import re
 import shutil
 import subprocess
 import tempfile
@@ -25,22 +26,23 @@ def wait_for_server(env, *flags):
 
 
 def make_template(build, base_env):
-    """The template's folder below `build`, made anew when Wine's version has changed."""
+    """The template's folder below `build`: one for each version of Wine, as one build may serve two
+    of them at the same time."""
     build.mkdir(parents=True, exist_ok=True)
     version = subprocess.run(["wine", "--version"], stdout=subprocess.PIPE, check=True,
-                             timeout=60).stdout.decode().strip()
-    template = build / "template"
-    stamp = build / "template.version"
-    with open(build / "template.lock", "w") as lock:
+                             timeout=60).stdout.decode()
+    template = build / ("template-" + re.sub(r"[^\w.]+", "-", version).strip("-"))
+    with open(template.with_name(template.name + ".lock"), "w") as lock:
         fcntl.flock(lock, fcntl.LOCK_EX)
-        if not (stamp.exists() and stamp.read_text() == version and template.exists()):
-            shutil.rmtree(template, ignore_errors=True)
-            env = wine_env(base_env, template, "en_GB.UTF-8")
+        if not template.exists():
+            making = template.with_name(template.name + ".making")
+            shutil.rmtree(making, ignore_errors=True)
+            env = wine_env(base_env, making, "en_GB.UTF-8")
             subprocess.run(["wineboot", "--init"], env=env, check=True, timeout=300,
                            stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                            stderr=subprocess.DEVNULL)
             wait_for_server(env, "-w")
-            stamp.write_text(version)
+            making.rename(template)
     return template
 
 
