@@ -66,6 +66,7 @@ Attributes row_of(int number, const char* name_of_64bit) {
 
 std::vector<Attributes> make_rows(const char* name_of_64bit) {
   std::vector<Attributes> rows;
+  rows.reserve(kRows);
   for (int i = 0; i < kRows; ++i)
     rows.push_back(row_of(i, name_of_64bit));
   return rows;

@@ -69,7 +69,8 @@ TEST(AboutDlgController, MakesItsLinksAndAnOwnerDrawnButton) {
   plan.add(IDOK, TestTemplate::kButton, "OK", {5, 25, 60, 40}, BS_OWNERDRAW);
   const HWND dialog =
       Dialog::DoModeless(GetModuleHandleA(nullptr), plan.get(), nullptr, [](HWND window) {
-        return std::make_unique<AboutDlgController>(window, "about", std::initializer_list{100});
+        return std::make_unique<AboutDlgController>(window, "about",
+                                                    std::initializer_list<int>{100});
       });
   EXPECT_EQ(SendMessageA(GetDlgItem(dialog, kLink), kMsgIdentity, 0, 0), kSubclassIdentity);
   EXPECT_EQ(SendMessageA(GetDlgItem(dialog, IDOK), kMsgIdentity, 0, 0), kSubclassIdentity);

@@ -46,6 +46,7 @@ class ListViewTest : public testing::Test {
 
   static std::vector<std::string> column_of(const ListView& list, int column) {
     std::vector<std::string> texts;
+    texts.reserve(static_cast<size_t>(list.count()));
     for (int row = 0; row < list.count(); ++row)
       texts.emplace_back(list.text(row, column).c_str());
     return texts;

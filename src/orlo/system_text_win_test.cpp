@@ -191,7 +191,7 @@ std::string clipboard_text() {
   if (!OpenClipboard(nullptr)) return "not opened";
   const HANDLE memory = GetClipboardData(CF_TEXT);
   const char* const bytes = memory != nullptr ? static_cast<char*>(GlobalLock(memory)) : nullptr;
-  const std::string text = bytes != nullptr ? bytes : "nothing";
+  std::string text = bytes != nullptr ? bytes : "nothing";
   if (bytes != nullptr) GlobalUnlock(memory);
   CloseClipboard();
   return text;

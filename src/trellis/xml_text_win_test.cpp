@@ -24,7 +24,8 @@ std::string converted(const std::string& text, UINT from, UINT to) {
 TEST(Utf8, AgreesWithThePlatformOnRandomBytes) {
   std::mt19937 random(5);
   // Mostly bytes that mean something beside each other.
-  const std::string common("a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80\xED\xA0\xE0\x90\xF4\xC0\xFF", 18);
+  const std::string common("a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80\xED\xA0\xE0\x90\xF4\xC0\xFF\0",
+                           18);
   for (int round = 0; round < 20000; ++round) {
     std::string text(1 + random() % 8, '\0');
     for (char& c : text)
