@@ -5,8 +5,8 @@
 # A TARGET is the name of a fuzz target, "life" (closes and refreshes by the hundred) or "e2e";
 # without any, all of these take their turn, one at a time. With -b the end-to-end tests run beside
 # one busy loop on each core. One more target is only run if named, as it needs root and fetches a
-# system of a gigabyte and more: "wine10", all tests of the win32 build in a Debian 13 with its Wine 10
-# (see wine10.sh).
+# system of three gigabytes: "wine10", all tests of the win32 build in a Debian 13 with its Wine 10 (see
+# wine10.sh).
 # What a fuzzer learns stays in build/soak/corpus, what it finds in build/soak/found; the figures
 # are printed as a table at the end and kept in build/soak/figures.tsv.
 set -euo pipefail
