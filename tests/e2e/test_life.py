@@ -328,3 +328,13 @@ def test_closes_at_any_moment(desk):
         assert program.exit_code() == 0
     for point, times in sorted(hit.items()):
         print(f"close behind {point:12} {times:4} {'#' * times}")
+
+
+def test_what_waits_to_be_drawn_is_known_from_outside(desk):
+    """What pictures of the window stand on."""
+    state = handing_over(desk, "")
+    program = state.program
+    desk.driver("invalidate", program.handle)
+    assert not desk.driver("drawn", program.pid)
+    state.leave()
+    eventually(lambda: desk.driver("drawn", program.pid), "it has been drawn")

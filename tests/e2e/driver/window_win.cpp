@@ -251,20 +251,34 @@ void send_timed(const Words& words, Json& answer) {
   answer.begin_array().number(handled).number(drawn).end_array();
 }
 
+BOOL CALLBACK find_undrawn(HWND window, LPARAM found) {
+  auto& undrawn = *reinterpret_cast<bool*>(found);
+  undrawn = undrawn || (IsWindowVisible(window) && GetUpdateRect(window, nullptr, FALSE));
+  return undrawn ? FALSE : TRUE;
+}
+
+/// invalidate HANDLE: has the window drawn anew, once its thread comes to it.
+void invalidate(const Words& words, Json& answer) {
+  answer.boolean(InvalidateRect(window_at(words, 1), nullptr, TRUE) != FALSE);
+}
+
+/// drawn PID: whether no window of the process waits to be drawn.
+void is_drawn(const Words& words, Json& answer) {
+  bool undrawn = false;
+  for (const HWND window : top_level_windows()) {
+    if (process_of(window) != static_cast<DWORD>(words.number(1))) continue;
+    find_undrawn(window, as_lparam(&undrawn));
+    EnumChildWindows(window, find_undrawn, as_lparam(&undrawn));
+  }
+  answer.boolean(!undrawn);
+}
+
 constexpr Command kCommands[] = {
-    {"windows", list_windows},
-    {"wait-window", wait_window},
-    {"wait-gone", wait_gone},
-    {"window", show_window_state},
-    {"send", send_message},
-    {"post", post_message},
-    {"move", move_window},
-    {"show", show_window},
-    {"min-size", min_size},
-    {"focus", focused_control},
-    {"post-thread", post_to_thread},
-    {"in-menu", is_in_menu},
-    {"ping", ping},
+    {"windows", list_windows},       {"drawn", is_drawn},      {"invalidate", invalidate},
+    {"wait-window", wait_window},    {"wait-gone", wait_gone}, {"window", show_window_state},
+    {"send", send_message},          {"post", post_message},   {"move", move_window},
+    {"show", show_window},           {"min-size", min_size},   {"focus", focused_control},
+    {"post-thread", post_to_thread}, {"in-menu", is_in_menu},  {"ping", ping},
     {"send-timed", send_timed},
 };
 

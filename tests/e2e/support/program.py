@@ -192,6 +192,8 @@ class Program:
     def picture(self, save_to=None):
         """The screen without the mouse on the window, once two looks at it are alike."""
         self._screen.move_mouse(0, 0)
+        # Two looks may be alike, too, while the program has had no time to draw between them.
+        eventually(lambda: self._driver("drawn", self.pid), "nothing waits to be drawn")
         pictures = [self._screen.picture()]
 
         def is_still():
