@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
 # What takes hours: each fuzz target for ten million executions, with the coverage it reached, and
 # the end-to-end tests many times over.
-#   scripts/soak.sh [-b] [-n EXECUTIONS] [-r ROUNDS] [TARGET...]
+#   scripts/soak.sh [-b] [-j JOBS] [-n EXECUTIONS] [-r ROUNDS] [TARGET...]
 # A TARGET is the name of a fuzz target, "life" (closes and refreshes by the hundred) or "e2e";
 # without any, all of these take their turn, one at a time. With -b the end-to-end tests run beside
-# one busy loop on each core. One more target is only run if named, as it needs root and fetches a
-# system of three gigabytes: "wine10", all tests of the win32 build in a Debian 13 with its Wine 10 (see
-# wine10.sh).
+# one busy loop on each core, with -j that many files of them at a time. One more target is only run
+# if named, as it needs root and fetches a system of three gigabytes: "wine10", all tests of the win32
+# build in a Debian 13 with its Wine 10 (see wine10.sh).
 # What a fuzzer learns stays in build/soak/corpus, what it finds in build/soak/found; the figures
 # are printed as a table at the end and kept in build/soak/figures.tsv.
 set -euo pipefail
@@ -19,6 +19,7 @@ readonly work=build/soak
 readonly coverage_build=build/fuzz-coverage
 executions=10000000
 rounds=20
+jobs=$(nproc)
 busy=false
 loops=()
 
@@ -166,14 +167,13 @@ end_busy_loops() {
 # Fails if any round has a failed test.
 soak_e2e() {
   local round failed=0
-  cmake --preset win32
-  cmake --build --preset win32 -j "$(nproc)"
+  cmake --preset win32 || return
+  cmake --build --preset win32 -j "$(nproc)" || return
+  rm -f "$work"/e2e.*.log
   if "$busy"; then start_busy_loops; fi
   for ((round = 1; round <= rounds; ++round)); do
-    if "$python" -m pytest -q -p no:cacheprovider -n "$(nproc)" --dist loadfile tests/e2e \
+    if ! "$python" -m pytest -q -p no:cacheprovider -n "$jobs" --dist loadfile tests/e2e \
       >"$work/e2e.$round.log" 2>&1; then
-      rm -f "$work/e2e.$round.failed"
-    else
       failed=$((failed + 1))
       mv "$work/e2e.$round.log" "$work/e2e.$round.failed.log"
     fi
@@ -187,13 +187,13 @@ soak_e2e() {
 # What the end-to-end tests do ten or fifty times, two hundred and five hundred times, with a
 # histogram of where the closes have hit; a line of 200 MB; and the list model through random steps.
 soak_life() {
-  cmake --preset host
-  cmake --build --preset host -j "$(nproc)" --target orlo_tests view_tests
-  ZOLVANE_LONG_LINE_MB=200 build/host/orlo_tests --gtest_filter='*AHugeLine*'
-  ZOLVANE_RANDOM_RUNS=100000 build/host/view_tests --gtest_filter='ListModel.*Whatever*'
-  cmake --preset win32
+  cmake --preset host || return
+  cmake --build --preset host -j "$(nproc)" --target orlo_tests view_tests || return
+  ZOLVANE_LONG_LINE_MB=200 build/host/orlo_tests --gtest_filter='*AHugeLine*' || return
+  ZOLVANE_RANDOM_RUNS=100000 build/host/view_tests --gtest_filter='ListModel.*Whatever*' || return
+  cmake --preset win32 || return
   cmake --build --preset win32 -j "$(nproc)" \
-    --target zolvane zolvane-held zolvane-driver zolvane-probe
+    --target zolvane zolvane-held zolvane-driver zolvane-probe || return
   ZOLVANE_CLOSES=200 ZOLVANE_REFRESHES=500 "$python" -m pytest -q -s -p no:cacheprovider \
     -k 'closes or leave_nothing' tests/e2e/test_life.py tests/e2e/test_watching.py
 }
@@ -225,9 +225,10 @@ soak_wine10() {
   return "$failed"
 }
 
-while getopts bn:r: option; do
+while getopts bj:n:r: option; do
   case $option in
     b) busy=true ;;
+    j) jobs=$OPTARG ;;
     n) executions=$OPTARG ;;
     r) rounds=$OPTARG ;;
     *) usage ;;

@@ -15,17 +15,17 @@ readonly record=build/attempts.tsv
 readonly fuzz_runs=20000
 
 # attempt KIND NAME RESULTS COMMAND...: runs the command, its output in a log, and records how it
-# went. Fails as the command does.
+# went, in one line each, as two may run side by side. Fails as the command does.
 attempt() {
   local kind=$1 name=$2 results=$3 log="$logs/$2.log" status=0 start=$SECONDS
   shift 3
-  printf '%-16s ' "$name"
   "$@" >"$log" 2>&1 || status=$?
   printf '%s\t%s\t%s\t%s\n' "$name" "$status" "$kind" "$results" >>"$record"
   if [ "$status" -eq 0 ]; then
-    printf 'ok, %s s\n' "$((SECONDS - start))"
+    printf '%-16s ok, %s s\n' "$name" "$((SECONDS - start))"
   else
-    printf 'FAILED with %s, %s s; the end of %s:\n' "$status" "$((SECONDS - start))" "$log"
+    printf '%-16s FAILED with %s, %s s; the end of %s:\n' \
+      "$name" "$status" "$((SECONDS - start))" "$log"
     tail -n 40 "$log"
   fi
   return "$status"
@@ -77,10 +77,15 @@ attempt step lint - scripts/lint.sh || true
 for preset in host asan tsan; do
   if attempt step "$preset" - build "$preset"; then run_ctest "$preset" "$(nproc)" || true; fi
 done
-if attempt step fuzz - build fuzz; then run_fuzzers; fi
 attempt step win64 - build win64 || true
+# Windows take turns on their screen, and so do their tests; the fuzzers have the other cores.
+if attempt step fuzz - build fuzz; then fuzz=run_fuzzers; else fuzz=true; fi
 if attempt step win32 - build win32 -DCMAKE_CROSSCOMPILING_EMULATOR=wine; then
+  "$fuzz" &
   run_ctest win32 1 "$python" tests/e2e/in_prefix.py || true
+  wait
   run_e2e || true
+else
+  "$fuzz"
 fi
 "$python" scripts/count_results.py "$record"
