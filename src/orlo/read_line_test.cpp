@@ -97,7 +97,9 @@ TEST_P(ReadLine, LinesMayLieInTwoBlocks) {
       SCOPED_TRACE(length);
       const std::string first = numbered_text(length);
       const std::string second = numbered_text(2 * kBlock);
-      const auto file = open_content(first + end + second + end);
+      std::string content = first;
+      content.append(end).append(second).append(end);
+      const auto file = open_content(content);
       EXPECT_EQ(lines_of(*file), (Lines{first, second}));
     }
   }

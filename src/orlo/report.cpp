@@ -24,7 +24,8 @@ struct State {
 };
 
 State& state() noexcept {
-  // Never destroyed: a report may come while statics go down.
+  // Never destroyed: a report may come while statics go down. A process that has no memory for it
+  // can only end. NOLINTNEXTLINE(bugprone-unhandled-exception-at-new)
   static State& made = *new State;
   return made;
 }
@@ -82,6 +83,7 @@ bool report(const Compose& compose, const char* caption, ReportOwner owner) noex
 }  // namespace
 
 CriticalSection& report_lock() noexcept {
+  // As state(). NOLINTNEXTLINE(bugprone-unhandled-exception-at-new)
   static CriticalSection& section = *new CriticalSection;
   return section;
 }

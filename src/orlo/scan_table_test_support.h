@@ -108,8 +108,7 @@ inline constexpr const char* kScanTexts[] = {
     "a",
     "ab\tcd",
     "abcd",
-    "ab\xa0"
-    "d",
+    "ab\240d",
     "ab:cd",
     "ab: cd",
     "ab :cd",
