@@ -5,8 +5,15 @@ target_compile_options(zolvane_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast -Wcast-qual
   -Wnon-virtual-dtor -Woverloaded-virtual -Wformat=2 -Wnull-dereference -Wundef -Werror)
 
+if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+  # In KB. Collecting its garbage is a tenth of the compiler's time.
+  add_compile_options($<$<COMPILE_LANGUAGE:CXX>:--param=ggc-min-heapsize=1048576>)
+endif()
+
 if(ZOLVANE_SANITIZE)
-  add_compile_options(-fsanitize=${ZOLVANE_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  # -g1: lines are all that a report names.
+  add_compile_options(-fsanitize=${ZOLVANE_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all
+    -g1)
   add_link_options(-fsanitize=${ZOLVANE_SANITIZE})
 endif()
 

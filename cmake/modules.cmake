@@ -1,6 +1,6 @@
 # The standard headers are most of what a source has to compile. The first module compiles this list
-# once, and the others take it from there. Sources still name what they need: the linter, which reads
-# them without it, fails on one that doesn't.
+# once, and the others take it from there. Sources still name what they need: the linter reads
+# them without it, and fails where nothing else brings a header along.
 set(ZOLVANE_STANDARD_HEADERS
   <algorithm> <atomic> <cstdint> <cstring> <functional> <iterator> <map> <memory> <optional> <set>
   <stdexcept> <string> <string_view> <utility> <vector>)

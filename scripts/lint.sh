@@ -38,17 +38,17 @@ read_modules() {
 }
 
 # The modules that the given one must not include from, as alternatives of a pattern.
-folders_above() {
-  local other above=()
+foreign_folders() {
+  local other foreign=()
   [ -n "${knows[$1]:-}" ] || { echo "lint: src/$1 is no module of CMakeLists.txt" >&2; return 1; }
   for other in "${!knows[@]}"; do
-    [[ " ${knows[$1]} " == *" $other "* ]] || above+=("$other")
+    [[ " ${knows[$1]} " == *" $other "* ]] || foreign+=("$other")
   done
-  (IFS='|'; echo "${above[*]}")
+  (IFS='|'; echo "${foreign[*]}")
 }
 
 check_rules() {
-  local all portable inside folder above failed=0
+  local all portable inside folder foreign failed=0
   mapfile -t all < <(cpp_sources)
   mapfile -t portable < <(printf '%s\n' "${all[@]}" | grep -vE '_win(_test)?\.(cpp|h)$')
   forbid 'only ASCII in sources' '[^\x00-\x7F]' "${all[@]}" || failed=1
@@ -59,10 +59,10 @@ check_rules() {
   read_modules
   for folder in src/*/; do
     folder=$(basename "$folder")
-    above=$(folders_above "$folder") || { failed=1; continue; }
-    [ -n "$above" ] || continue
+    foreign=$(foreign_folders "$folder") || { failed=1; continue; }
+    [ -n "$foreign" ] || continue
     mapfile -t inside < <(printf '%s\n' "${all[@]}" | grep "^src/$folder/")
-    forbid "src/$folder includes only what it is built on" "^#include \"($above)/" "${inside[@]}" || failed=1
+    forbid "src/$folder includes only what it is built on" "^#include \"($foreign)/" "${inside[@]}" || failed=1
   done
   return "$failed"
 }

@@ -78,12 +78,12 @@ for preset in host asan tsan; do
   if attempt step "$preset" - build "$preset"; then run_ctest "$preset" "$(nproc)" || true; fi
 done
 attempt step win64 - build win64 || true
-# Windows take turns on their screen, and so do their tests; the fuzzers have the other cores.
+# Windows take turns on their screen, and so do their tests; the fuzzers have another core.
 if attempt step fuzz - build fuzz; then fuzz=run_fuzzers; else fuzz=true; fi
 if attempt step win32 - build win32 -DCMAKE_CROSSCOMPILING_EMULATOR=wine; then
   "$fuzz" &
   run_ctest win32 1 "$python" tests/e2e/in_prefix.py || true
-  wait
+  wait "$!" || printf 'fuzzers\t1\tstep\t-\n' >>"$record"
   run_e2e || true
 else
   "$fuzz"

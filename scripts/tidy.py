@@ -1,7 +1,8 @@
 #!/usr/bin/python3
 """Runs clang-tidy over every source of the project: the portable ones as the host build compiles
 them, the others as the cross compiler does, with its headers. A source that was found clean is not
-read again until it, a header of the project that it includes, the checks or the tools change.
+read again until it, a header of the project that it includes, the checks or the tools change; of
+headers from elsewhere a change isn't noticed.
 
     scripts/tidy.py [FILE...]    only these; without any, all
 
@@ -26,6 +27,7 @@ INCLUDE = re.compile(rb'^\s*#\s*include\s*"([^"]+)"', re.MULTILINE)
 # the address sanitizer looks at what tests do for certain.
 TEST_CHECKS = "-clang-analyzer-*"
 KEPT_DAYS = 30
+STAMP = re.compile("[0-9a-f]{64}")
 
 
 def cache_folder():
@@ -133,13 +135,14 @@ def check(source, flags, stamp):
         stamp.touch()
         return ""
     # What it says beside its findings counts only what it left out, unless it failed itself.
-    return (made.stdout or made.stderr).decode(errors="replace")
+    return ((made.stdout or made.stderr).decode(errors="replace")
+            or f"{source}: clang-tidy has ended with {made.returncode}")
 
 
 def forget_old(cache):
     limit = time.time() - KEPT_DAYS * 24 * 3600
     for stamp in cache.iterdir():
-        if stamp.stat().st_mtime < limit:
+        if STAMP.fullmatch(stamp.name) and stamp.stat().st_mtime < limit:
             stamp.unlink(missing_ok=True)
 
 
@@ -153,7 +156,8 @@ def main():
     cache = cache_folder()
     cache.mkdir(parents=True, exist_ok=True)
     forget_old(cache)
-    tools = (output_of("clang-tidy", "--version") + (ROOT / ".clang-tidy").read_text()).encode()
+    tools = output_of("clang-tidy", "--version").encode() + b"".join(
+        path.read_bytes() for path in (ROOT / ".clang-tidy", Path(__file__)))
     reader = Reader()
     stamps = {source: cache / key_of(reader, tools, source, flags)
               for source, flags in jobs.items()}

@@ -94,6 +94,6 @@ esac
 mkdir -p "$base"
 # One at a time; held by whatever runs in there, too.
 exec 9>"$base/lock"
-flock 9
+flock -n 9 || { echo "wine10: another call is under way; waiting for its end"; flock 9; }
 make_root
 confined scripts/wine10.sh --inside "$@"

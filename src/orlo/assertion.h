@@ -3,7 +3,7 @@
 
 namespace ORLO {
 
-/// Says which condition failed, and where: once for each expression, and not during shut-down.
+/// Says which condition failed, and where: once for each expression; during shut-down only its own.
 void assertion_failed(const char* expression, const char* source, int line) noexcept;
 
 /// True if the condition holds; otherwise reports it, and the caller goes on with the result that

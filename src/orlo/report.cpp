@@ -30,6 +30,8 @@ State& state() noexcept {
   return made;
 }
 
+thread_local int despite_shutdown = 0;
+
 ReportSink installed_sink() {
   const Lock hold(report_lock());
   return state().sink;
@@ -68,7 +70,7 @@ void show(const Compose& compose, const char* caption, ReportOwner owner) {
 /// False if the report was dropped.
 template <typename Compose>
 bool report(const Compose& compose, const char* caption, ReportOwner owner) noexcept {
-  if (in_shutdown()) return false;
+  if (in_shutdown() && despite_shutdown == 0) return false;
   const ReportScope scope;
   if (scope.depth() != 0) return false;
   try {
@@ -96,6 +98,14 @@ ReportScope::ReportScope() noexcept {
 ReportScope::~ReportScope() {
   const Lock hold(report_lock());
   --state().report_depth;
+}
+
+ReportsDespiteShutDown::ReportsDespiteShutDown() noexcept {
+  ++despite_shutdown;
+}
+
+ReportsDespiteShutDown::~ReportsDespiteShutDown() {
+  --despite_shutdown;
 }
 
 void report_exception(const Exception& exception, ReportOwner owner) noexcept {

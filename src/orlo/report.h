@@ -16,8 +16,8 @@ using ReportOwner = void*;
 
 /// Shows what failed, during what and why, in a box; returns when the user has closed it. Without
 /// an owner the calling thread's main window is it. A report that arrives during another one, on
-/// whatever thread, is dropped, and so is every report during shut-down. Nothing is ever thrown: a
-/// failure to tell what failed is shown instead.
+/// whatever thread, is dropped, and so is every report during shut-down but those of the
+/// shut-down itself. Nothing is ever thrown: a failure to tell what failed is shown instead.
 void report_exception(const Exception& exception, ReportOwner owner) noexcept;
 void report_std_exception(const std::exception& exception, ReportOwner owner) noexcept;
 /// The box always belongs to the thread's main window, whatever `owner` is.

@@ -23,4 +23,13 @@ class ReportScope {
   int depth_;
 };
 
+/// Lets the reports of its thread through for its scope, though the program shuts down.
+class ReportsDespiteShutDown {
+ public:
+  ReportsDespiteShutDown() noexcept;
+  ~ReportsDespiteShutDown();
+  ReportsDespiteShutDown(const ReportsDespiteShutDown&) = delete;
+  ReportsDespiteShutDown& operator=(const ReportsDespiteShutDown&) = delete;
+};
+
 }  // namespace ORLO

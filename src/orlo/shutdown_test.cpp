@@ -31,13 +31,13 @@ TEST_F(PrepareShutdown, BeginsTheShutDownAndSilencesReports) {
 TEST_F(PrepareShutdown, TellsOfAMainWindowThatStillExistsAndGoesOn) {
   forget_failed_assertions();
   TestReports reports;
-  bool barred = true;
-  reports.while_open = [&] { barred = in_shutdown(); };
+  bool begun = false;
+  reports.while_open = [&] { begun = in_shutdown(); };
   const int window = 0;
   EXPECT_TRUE(prepare_shutdown(objects, &window));
   ASSERT_EQ(reports.shown.size(), 1u);
   EXPECT_NE(reports.shown[0].text.find("!mainThread._hmainwnd"), std::string::npos);
-  EXPECT_FALSE(barred);
+  EXPECT_TRUE(begun) << "nothing else is told meanwhile";
   EXPECT_TRUE(in_shutdown());
 }
 
@@ -61,6 +61,14 @@ TEST_F(PrepareShutdown, SaysNothingOfTheMainWindowWhileAnObjectKeepsTheProgramGo
   objects.object_made();
   EXPECT_FALSE(prepare_shutdown(objects, &window));
   EXPECT_TRUE(reports.shown.empty());
+}
+
+TEST_F(PrepareShutdown, ASecondBeginThatIsTakenBackLeavesTheFirst) {
+  const TestReports reports;
+  EXPECT_TRUE(prepare_shutdown(objects, nullptr));
+  objects.object_made();
+  EXPECT_FALSE(prepare_shutdown(objects, nullptr));
+  EXPECT_EQ(InShutDown, 1);
 }
 
 TEST_F(PrepareShutdown, LivingObjectsKeepTheProgramGoing) {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <utility>
 
 namespace ORLO {
 namespace {
@@ -82,7 +81,7 @@ bool match_wildcard_nocase(String text, String pattern) {
   return match_wildcard(text.c_str(), pattern.c_str());
 }
 
-FoldedPattern::FoldedPattern(String pattern) : pattern_(std::move(pattern)) {
+FoldedPattern::FoldedPattern(const String& pattern) : pattern_(pattern) {
   fold(pattern_);
   const char* const first = pattern_.c_str();
   const char* const last = first + std::strlen(first);

@@ -15,7 +15,7 @@ bool match_wildcard_nocase(String text, String pattern);
 /// copies no text.
 class FoldedPattern {
  public:
-  explicit FoldedPattern(String pattern);
+  explicit FoldedPattern(const String& pattern);
   bool matches(const String& text) const noexcept;
 
  private:

@@ -1,9 +1,9 @@
 #include "trellis/tl_string.h"
 
-#include "orlo/rstring.h"
-
 #include <iterator>
 #include <tuple>
+
+#include "orlo/rstring.h"
 
 namespace Trellis {
 

@@ -166,19 +166,21 @@ A_DAY = 24 * 3600 * 10 ** 7
 USED = Usage(used=MORNING_OF_13_JANUARY_2009, frequency=3)
 
 
-@pytest.mark.parametrize("column, usage, shown", [
-    (FREQUENCY, Usage(used=USED.used, frequency=4), "4"),
-    (LAST_USE, Usage(used=USED.used + A_DAY, frequency=USED.frequency), "14.01.2009"),
+@pytest.mark.parametrize("column, usage, shown, kept", [
+    (FREQUENCY, Usage(used=USED.used, frequency=4), "4", b'frequency="4"'),
+    (LAST_USE, Usage(used=USED.used + A_DAY, frequency=USED.frequency), "14.01.2009",
+     b'"14.01.2009'),
 ], ids=["count", "last use"])
-def test_mere_use_between_two_runs_is_a_change(memory, column, usage, shown):
+def test_mere_use_between_two_runs_is_a_change(memory, column, usage, shown, kept):
     memory.use("Alpha", USED)
     memory.run()
+    assert kept not in memory.content()
     memory.use("Alpha", usage)
     program = memory.open()
     assert marks(program) == {NAMES[0]: "changed"}
     assert [shown in row[column] for row in program.rows() if row[2] == NAMES[0]] == [True]
     assert program.close() == 0
-    assert shown.encode() in memory.content()
+    assert kept in memory.content()
     assert memory.run() == {}
 
 

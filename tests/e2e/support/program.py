@@ -164,8 +164,8 @@ class Program:
 
     def _size_for_good(self, command):
         """Wine makes a dialog's window a normal one when its loop first finds the queue empty or
-        meets a timer's message: behind the end of the first refresh, and under load long behind
-        it. So the loop is given such a message, and the command behind it. The first refresh has
+        meets a timer's message: after the end of the first refresh, and under load long after
+        it. So the loop is given such a message, and then the command. The first refresh has
         to be over, as its wait would take the message for itself."""
         self.ask("post", WM_TIMER, NOBODYS_TIMER, 0)
         self.ask("post", WM_SYSCOMMAND, command, 0)
