@@ -82,13 +82,17 @@ class Program:
 
     def ask_list(self, command, *arguments):
         """What the driver reads row by row: asked again where the list has changed meanwhile."""
+        refusals = []
+
         def answer():
             try:
                 return [self.ask(command, LIST, *arguments)]
-            except DriverError:
+            except DriverError as refusal:
+                refusals.append(refusal)
                 return None
 
-        return eventually(answer, "the list stays as it is while it is read")[0]
+        return eventually(answer, lambda: "the list stays as it is while it is read; "
+                          f"{len(refusals)} times not, last: {refusals[-1]}")[0]
 
     def rows(self):
         """The texts of every row, from the top."""
