@@ -272,8 +272,9 @@ TEST(XMLReader, ReadsInBlocksWhatItReadsByCharacters) {
   for (const std::string& piece : pieces) {
     for (size_t shift = 0; shift <= piece.size(); ++shift) {
       SCOPED_TRACE(testing::PrintToString(piece) + " at " + std::to_string(shift));
-      expect_both_ways_alike("<r>" + std::string(CharSource::kBlockSize - 3 - shift, 'x') + piece +
-                             piece + "</r>");
+      std::string text = "<r>";
+      text.append(CharSource::kBlockSize - 3 - shift, 'x').append(piece).append(piece);
+      expect_both_ways_alike(text + "</r>");
     }
   }
 }

@@ -1,6 +1,7 @@
 """What may happen, in each state that the program can be in: the table of docs/architecture.md."""
 
 import collections
+import contextlib
 import os
 import time
 
@@ -11,7 +12,9 @@ from support.held import HeldDesk, eventually
 from support.program import LIST, REFRESH, TITLE, DriverError, wait_for_focus
 from support.registry import Key
 
-WM_CLOSE, WM_QUIT, WM_COMMAND, WM_SYSCOMMAND, WM_APP = 0x10, 0x12, 0x111, 0x112, 0x8000
+WM_CLOSE, WM_QUIT, WM_CANCELMODE = 0x10, 0x12, 0x1F
+WM_COMMAND, WM_SYSCOMMAND, WM_APP = 0x111, 0x112, 0x8000
+MENU_LIMIT = 20000
 SC_MAXIMIZE, SC_KEYMENU = 0xF030, 0xF100
 ESCAPE_COMMAND = 2
 # How often each hold point is closed at.
@@ -41,6 +44,7 @@ class State:
     def __init__(self, desk, program, leave, keys_go_to=TITLE):
         self.desk, self.program, self._leave = desk, program, leave
         self.keys_go_to = keys_go_to
+        self.popup = None
 
     def leave(self):
         self._leave()
@@ -105,16 +109,14 @@ def menu_open(desk, points):
     state = idle(desk, points)
     state.program.activate()
     state.program.ask("post", WM_SYSCOMMAND, SC_KEYMENU, ord(" "))
-    desk.driver("wait-window", state.program.pid, "#32768", "", 20000)
+    state.popup = desk.driver("wait-window", state.program.pid, "#32768", "", MENU_LIMIT)["handle"]
 
     def leave():
-        # The first Escape closes the popup, the next the menu bar behind it.
-        def left():
-            if not in_menu(state.program):
-                return True
-            desk.screen.press_key("Escape")
-            return not in_menu(state.program)
-        eventually(left, "the menu is closed")
+        # The menu bar that Escape has left open, too. No key: once the menu is closed, another Escape
+        # closes the window.
+        with contextlib.suppress(DriverError):
+            state.program.ask("post", WM_CANCELMODE, 0, 0)
+        eventually(lambda: not in_menu(state.program), "the menu is closed")
     state.leave = leave
     return state
 
@@ -143,6 +145,8 @@ def escape(state):
     screen = state.desk.screen
     wait_for_focus(screen, title)
     screen.press_key("Escape")
+    if state.popup is not None:
+        state.desk.driver("wait-gone", state.popup, MENU_LIMIT)
 
 
 EVENTS = {"close": post(WM_CLOSE), "escape": escape,
