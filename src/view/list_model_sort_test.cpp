@@ -479,6 +479,7 @@ TEST_F(EveryColumn, TakesNewRowsAndRebuildsAsASortWouldPutThem) {
       model.rebuildList();
       EXPECT_EQ(list.ids(), inserted);
       std::vector<int> expected;
+      expected.reserve(inserted.size());
       for (const uint32_t id : inserted)
         expected.push_back(expected_place(static_cast<int>(id) - 1, column));
       if (model.sort_state().descending != 0) std::reverse(expected.begin(), expected.end());
