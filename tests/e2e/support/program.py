@@ -51,7 +51,10 @@ class Program:
         self._driver = driver
         self._screen = screen
         self.pid = pid
-        self.handle = eventually(lambda: self._find(visible), "the program's window", WINDOW_LIMIT)
+        self.handle = eventually(
+            lambda: self._find(visible),
+            lambda: f"the program's window; running: {self.is_running()}, it has "
+            f"{driver('windows', pid)}", WINDOW_LIMIT)
 
     def _find(self, visible):
         for window in self._driver("windows", self.pid):
