@@ -8,6 +8,7 @@
 #include "inventory/package_schema.h"
 #include "inventory/value_set.h"
 #include "orlo/clock.h"
+#include "orlo/rstring_fwd.h"
 #include "platform/files.h"
 #include "platform/registry.h"
 

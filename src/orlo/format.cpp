@@ -12,6 +12,7 @@
 #include "orlo/locale.h"
 #include "orlo/real_text.h"
 #include "orlo/rstring.h"
+#include "orlo/system_time.h"
 
 namespace ORLO {
 namespace {

@@ -12,6 +12,7 @@
 #include "orlo/exception.h"
 #include "orlo/locale.h"
 #include "orlo/rstring.h"
+#include "orlo/system_time.h"
 
 namespace ORLO {
 namespace {
