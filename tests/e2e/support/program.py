@@ -8,6 +8,7 @@ from .screen import SIZE
 WINDOW_LIMIT = 60
 WINDOW_CLASS = "#32770"
 TITLE = "Zolvane"
+MINIMISED_PLACE = [-32000, -32000]
 
 LIST = 1001
 REFRESH = 1007
@@ -159,9 +160,15 @@ class Program:
                    "the window is active")
 
     def minimise(self):
-        """Minimised for good."""
+        """Minimised for good, and where minimised windows lie: it gets there in a second step, in
+        which places of controls can't be told from outside."""
         self._size_for_good(SC_MINIMIZE)
-        eventually(lambda: self.window()["iconic"], "it is minimised")
+
+        def is_minimised():
+            window = self.window()
+            return window["iconic"] and window["frame"][:2] == MINIMISED_PLACE
+
+        eventually(is_minimised, lambda: f"it is minimised: {self.window()}")
 
     def maximise(self):
         """Maximised for good, and on the screen too, where the mouse acts."""
