@@ -46,6 +46,23 @@ def make_template(build, base_env):
     return template
 
 
+class RecentFolders:
+    """Wine tells prefixes apart by their folders' numbers, which the file system gives to the next
+    folder once one is gone; a process that was just starting there could share its server with the
+    next test's. A folder that is held open keeps its number."""
+
+    def __init__(self, count):
+        self._count, self._held = count, []
+
+    def hold(self, folder):
+        self._held.append(os.open(folder, os.O_RDONLY | os.O_DIRECTORY))
+        if len(self._held) > self._count:
+            os.close(self._held.pop(0))
+
+
+RECENT = RecentFolders(64)
+
+
 class Prefix:
     def __init__(self, template, base_env, lc_all):
         self._home = Path(tempfile.mkdtemp(prefix="run-", dir=template.parent))
@@ -64,6 +81,7 @@ class Prefix:
     def close(self):
         wait_for_server(self.env, "-k")
         wait_for_server(self.env, "-w")
+        RECENT.hold(self.folder)
         shutil.rmtree(self._home)
 
     @property
