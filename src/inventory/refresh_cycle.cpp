@@ -27,18 +27,6 @@ class WaitShown {
   RefreshFrame& frame_;
 };
 
-/// A section that has been entered, for a scope.
-class Entered {
- public:
-  explicit Entered(ORLO::CriticalSection& section) : section_(section) {}
-  ~Entered() { section_.leave(); }
-  Entered(const Entered&) = delete;
-  Entered& operator=(const Entered&) = delete;
-
- private:
-  ORLO::CriticalSection& section_;
-};
-
 class Flagged {
  public:
   explicit Flagged(bool& flag) : flag_(flag) { flag_ = true; }
@@ -55,29 +43,44 @@ class Flagged {
 RefreshCycle::RefreshCycle(const Parts& parts, Wait wait) : parts_(parts), wait_(wait) {}
 
 void RefreshCycle::requestRefresh() {
-  ++refresh_count_;
+  note_request();
+  run_noted();
+}
+
+void RefreshCycle::run_noted() {
   if (refreshing_ || ended_) return;
   const Flagged refreshing(refreshing_);
-  afresh_due_ = false;
+  afresh_due_ = follow_due_ = false;
   bool finished = run_whole();
-  while (finished && !ended_ && std::exchange(afresh_due_, false)) {
-    forget();
+  while (finished && !ended_ && prepare_another())
     finished = run_whole();
-  }
   if (finished) parts_.frame.refreshed();
 }
 
+/// False if none is due.
+bool RefreshCycle::prepare_another() {
+  const bool follows = std::exchange(follow_due_, false);
+  const bool afresh = std::exchange(afresh_due_, false);
+  if (afresh) forget();
+  return follows || afresh;
+}
+
 void RefreshCycle::requestAfresh() {
+  note_request();
+  run_noted_afresh();
+}
+
+void RefreshCycle::run_noted_afresh() {
   // What is forgotten now wouldn't come again.
   if (!ended_) forget();
   afresh_due_ = true;
-  requestRefresh();
+  run_noted();
 }
 
 /// Does nothing if the program is told to quit before the list is free.
 void RefreshCycle::forget() {
-  if (!ORLO::try_enter_with_messages(parts_.listLock)) return;
-  const Entered entered(parts_.listLock);
+  const ORLO::LockWithMessages held(parts_.listLock);
+  if (!held) return;
   parts_.frame.forget_entries();
   parts_.history.forget();
   parts_.currentTable.clear_rows();
@@ -102,9 +105,8 @@ void RefreshCycle::keep_baseline() {
 /// False if the cycle was abandoned.
 bool RefreshCycle::run() {
   const WaitShown shown(parts_.frame);
-  if (!ORLO::try_enter_with_messages(parts_.listLock)) return false;
-  const Entered entered(parts_.listLock);
-  return run_locked();
+  const ORLO::LockWithMessages held(parts_.listLock);
+  return static_cast<bool>(held) && run_locked();
 }
 
 bool RefreshCycle::run_locked() {

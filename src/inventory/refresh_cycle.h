@@ -63,6 +63,14 @@ class RefreshCycle {
   /// one follows it, as the rows that it has read by now are forgotten too. Only that one has all
   /// rows and makes a baseline of them. After end() only counted.
   void requestAfresh();
+  /// Counts a request that can't run yet. Its run, when the time has come, is one of the two below,
+  /// which count nothing: several requests may have become one by then.
+  void note_request() noexcept { ++refresh_count_; }
+  void run_noted();
+  void run_noted_afresh();
+  /// Another cycle follows the one that runs, as what that one has read is no longer the state of
+  /// things.
+  void follow() noexcept { follow_due_ = true; }
   bool refreshing() const noexcept { return refreshing_; }
   unsigned refreshCount() const noexcept { return refresh_count_; }
   /// From here on no cycle starts; one that runs goes on to its end.
@@ -70,6 +78,7 @@ class RefreshCycle {
 
  private:
   void forget();
+  bool prepare_another();
   bool run_whole();
   bool run();
   bool run_locked();
@@ -84,4 +93,5 @@ class RefreshCycle {
   bool refreshing_ = false;
   bool ended_ = false;
   bool afresh_due_ = false;
+  bool follow_due_ = false;
 };

@@ -36,4 +36,23 @@ bool sleep_with_messages(uint32_t milliseconds);
 /// wait for that was given up.
 bool try_enter_with_messages(CriticalSection& section);
 
+/// Holds a section for a scope; messages flow while it is waited for.
+class LockWithMessages {
+ public:
+  explicit LockWithMessages(CriticalSection& section)
+      : section_(section), held_(try_enter_with_messages(section)) {}
+  ~LockWithMessages() {
+    if (held_) section_.leave();
+  }
+  LockWithMessages(const LockWithMessages&) = delete;
+  LockWithMessages& operator=(const LockWithMessages&) = delete;
+
+  /// False, with nothing held, if the wait was given up.
+  explicit operator bool() const noexcept { return held_; }
+
+ private:
+  CriticalSection& section_;
+  const bool held_;
+};
+
 }  // namespace ORLO
