@@ -56,6 +56,10 @@ class HookedRegistry : public Registry {
                    ORLO::Event& event) override {
     return behind_.notify(own(key), subtree, filter, event);
   }
+  RegStatus delete_key(int32_t root, const char* path) override {
+    hook_("delete_key", 0);
+    return behind_.delete_key(root, path);
+  }
 
  protected:
   void close(RegistryKey::Handle handle) noexcept override {

@@ -166,6 +166,7 @@ class EmptyFiles : public Files {
     return std::nullopt;
   }
   std::optional<String> expand_environment(const char*, size_t) override { return std::nullopt; }
+  std::optional<String> system_folder() override { return std::nullopt; }
 
   size_t searches = 0;
   size_t longest = 0;

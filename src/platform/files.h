@@ -21,6 +21,9 @@ class Files {
   /// ExpandEnvironmentStringsA into a buffer of `limit` characters, the terminator counted; none
   /// if it fails or doesn't fit.
   virtual std::optional<String> expand_environment(const char* text, size_t limit) = 0;
+  /// GetSystemDirectoryA into a buffer of 260 characters: no separator at the end; none if it fails
+  /// or doesn't fit.
+  virtual std::optional<String> system_folder() = 0;
 };
 
 /// The files of this system.

@@ -177,3 +177,10 @@ TEST_P(FilesContract, ExpandsOnlyWhatFitsWithItsTerminator) {
     EXPECT_EQ(expand("%ZolvaneLong%"), length < 1024 ? value : "-");
   }
 }
+
+TEST_P(FilesContract, KnowsTheSystemsFolder) {
+  const auto folder = bed().files().system_folder();
+  ASSERT_TRUE(folder);
+  ASSERT_FALSE(folder->empty());
+  EXPECT_NE(folder->c_str()[folder->length() - 1], '\\');
+}

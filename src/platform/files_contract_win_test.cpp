@@ -101,3 +101,10 @@ TEST(SystemFiles, KnowsTheVariablesOfTheSystem) {
   ASSERT_TRUE(expanded);
   EXPECT_EQ(lstrcmpiA(expanded->c_str(), windows), 0);
 }
+
+TEST(SystemFiles, NamesTheFolderThatHoldsTheSystemsPrograms) {
+  const auto files = make_system_files();
+  const auto folder = files->system_folder();
+  ASSERT_TRUE(folder);
+  EXPECT_TRUE(files->is_file(String::formatted("%s\\rundll32.exe", *folder).c_str()));
+}

@@ -45,6 +45,13 @@ class SystemFiles final : public Files {
     if (result.length() >= limit) return std::nullopt;
     return result;
   }
+
+  std::optional<String> system_folder() override {
+    char path[MAX_PATH] = "";
+    const UINT length = GetSystemDirectoryA(path, MAX_PATH);
+    if (length == 0 || length >= MAX_PATH) return std::nullopt;
+    return String(path);
+  }
 };
 
 }  // namespace

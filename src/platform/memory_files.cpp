@@ -147,6 +147,11 @@ std::optional<String> MemoryFiles::expand_environment(const char* text, size_t l
   return String(result);
 }
 
+std::optional<String> MemoryFiles::system_folder() {
+  if (!enter("system_folder", "") || system_folder_.size() >= kPathBuffer) return std::nullopt;
+  return String(system_folder_);
+}
+
 /// Logs a call; false if it has to fail.
 bool MemoryFiles::enter(const char* operation, const char* argument) {
   calls_.push_back(std::string(operation) + ' ' + argument);

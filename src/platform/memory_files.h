@@ -20,9 +20,11 @@ class MemoryFiles : public Files {
   void set_variable(const std::string& name, const std::string& value);
   /// Appends a folder to the search path.
   void add_search_folder(const std::string& path);
+  /// Makes this folder that of the system, "C:\\Windows\\system32" at first.
+  void set_system_folder(const std::string& path) { system_folder_ = path; }
 
   /// Makes every further call of `operation` ("is_file", "can_open", "search_path",
-  /// "expand_environment") fail.
+  /// "expand_environment", "system_folder") fail.
   void fail(const std::string& operation);
   /// The calls so far, as "is_file C:\\x.exe".
   const std::vector<std::string>& calls() const noexcept { return calls_; }
@@ -32,6 +34,7 @@ class MemoryFiles : public Files {
   bool can_open(const char* path) override;
   std::optional<String> search_path(const char* name, const char* extension) override;
   std::optional<String> expand_environment(const char* text, size_t limit) override;
+  std::optional<String> system_folder() override;
 
  private:
   bool enter(const char* operation, const char* argument);
@@ -44,6 +47,7 @@ class MemoryFiles : public Files {
   std::set<std::string> folders_;
   std::map<std::string, std::string> variables_;  // by name in upper case
   std::vector<std::string> search_folders_;
+  std::string system_folder_ = "C:\\Windows\\system32";
   std::set<std::string> failing_;
   std::vector<std::string> calls_;
 };

@@ -61,3 +61,15 @@ TEST(MemoryFiles, LogsItsCalls) {
   EXPECT_EQ(files.calls(), (std::vector<std::string>{"is_file C:\\a.exe", "can_open C:\\b",
                                                      "search_path c", "expand_environment %D%"}));
 }
+
+TEST(MemoryFiles, HasTheSystemFolderThatItIsTold) {
+  MemoryFiles files;
+  files.set_system_folder("D:\\Sys 32");
+  EXPECT_STREQ(files.system_folder()->c_str(), "D:\\Sys 32");
+  files.set_system_folder(std::string(260, 'x'));
+  EXPECT_FALSE(files.system_folder());
+  files.set_system_folder(std::string(259, 'x'));
+  EXPECT_TRUE(files.system_folder());
+  files.fail("system_folder");
+  EXPECT_FALSE(files.system_folder());
+}

@@ -118,6 +118,7 @@ struct MemoryRegistry::Impl {
                             uint32_t access) const;
   RegStatus open(std::shared_ptr<RegistryNode> start, const std::u16string& path, uint32_t access,
                  OpenKey*& opened);
+  RegStatus remove(RegistryNode* start, const std::u16string& path);
   OpenKey* find(const RegistryKey& key) const;
   RegStatus use(const char* operation, const OpenKey* key, uint32_t right,
                 const std::u16string* item = nullptr);
@@ -183,6 +184,20 @@ RegStatus MemoryRegistry::Impl::open(std::shared_ptr<RegistryNode> start,
   key->access = access;
   opened = key.get();
   keys.emplace(opened, std::move(key));
+  return kRegSuccess;
+}
+
+RegStatus MemoryRegistry::Impl::remove(RegistryNode* start, const std::u16string& path) {
+  const std::u16string native_path = start == nullptr ? path : redirected(*start, path, 0);
+  const RegStatus failed = enter("delete_key", path, start, native_path);
+  if (failed != kRegSuccess) return failed;
+  if (start == nullptr) return kRegInvalidHandle;
+  if (path.starts_with(u'\\')) return kBadPathname;
+  const RegistryNode* node = start->descend(native_path);
+  if (node == nullptr) return kRegFileNotFound;
+  if (!node->subkeys.empty()) return kRegAccessDenied;
+  now += ORLO::kFileTimePerSecond;
+  tree.remove(node->path());
   return kRegSuccess;
 }
 
@@ -414,6 +429,12 @@ RegStatus MemoryRegistry::notify(const RegistryKey& key, bool subtree, uint32_t 
   }
   open_key->waiting.push_back(&event);
   return kRegSuccess;
+}
+
+RegStatus MemoryRegistry::delete_key(int32_t root, const char* path) {
+  if (names_no_key(path)) return kRegAccessDenied;
+  const std::lock_guard<std::mutex> lock(impl_->mutex);
+  return impl_->remove(impl_->tree.root(root).get(), widen(path));
 }
 
 void MemoryRegistry::close(RegistryKey::Handle handle) noexcept {

@@ -28,7 +28,7 @@ class MemoryRegistry : public Registry {
   bool load(std::string_view reg_text);
   std::string error() const;
 
-  /// Sets a value, creating the key. `path` begins with HKEY_LOCAL_MACHINE or HKEY_CURRENT_USER
+  /// Sets a value, creating the key. `path` begins with the name of a predefined key
   /// and is UTF-8, as is `name`; where it doesn't, this and the operations below throw
   /// std::invalid_argument. Text data is UTF-16 bytes, as a registry stores it.
   void set_raw(std::string_view path, std::string_view name, uint32_t type, std::string_view data);
@@ -43,9 +43,9 @@ class MemoryRegistry : public Registry {
   void set_last_write(std::string_view path, ORLO::FileTime time);
 
   /// The next `times` calls of `operation` ("open", "info", "subkey_at", "value", "value_at",
-  /// "notify") for a name that equals `name` (any if empty), without regard to case, answer
-  /// `status`; times -1 is for ever. The name is the one in calls(), or the whole path as set_raw
-  /// takes it, of a value with its name behind a further backslash.
+  /// "notify", "delete_key") for a name that equals `name` (any if empty), without regard to case,
+  /// answer `status`; times -1 is for ever. The name is the one in calls(), or the whole path as
+  /// set_raw takes it, of a value with its name behind a further backslash.
   void fail(std::string operation, std::string name, RegStatus status, int times = 1);
   /// The calls so far: "open SOFTWARE\\Foo", "value DisplayName", with the name of what was found
   /// for "subkey_at" and "value_at", and the key's own name for "info" and "notify".
@@ -68,6 +68,7 @@ class MemoryRegistry : public Registry {
                      uint32_t& type, void* data, uint32_t& size) override;
   RegStatus notify(const RegistryKey& key, bool subtree, uint32_t filter,
                    ORLO::Event& event) override;
+  RegStatus delete_key(int32_t root, const char* path) override;
 
  protected:
   void close(RegistryKey::Handle handle) noexcept override;

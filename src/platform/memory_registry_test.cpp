@@ -306,6 +306,35 @@ TEST(MemoryRegistry, FailsEachOperationByNameAndByWholePath) {
   key.close();
 }
 
+TEST(MemoryRegistry, FailsToDeleteByNameAndByWholePath) {
+  MemoryRegistry registry;
+  registry.create("HKEY_CURRENT_USER\\a\\b");
+  registry.fail("delete_key", "no such name", 99, -1);
+  registry.fail("delete_key", "A\\B", 77);
+  registry.fail("delete_key", "hkey_current_user\\a\\b", 78);
+  EXPECT_EQ(registry.delete_key(kCurrentUser, "a\\b"), 77u);
+  EXPECT_EQ(registry.delete_key(kCurrentUser, "a\\b"), 78u);
+  EXPECT_EQ(registry.delete_key(kCurrentUser, "a\\b"), kRegSuccess);
+  EXPECT_EQ(registry.delete_key(kCurrentUser, "a\\b"), kRegFileNotFound);
+  EXPECT_EQ(registry.calls(), std::vector<std::string>(4, "delete_key a\\b"));
+}
+
+TEST(MemoryRegistry, StampsTheKeyAboveOneThatIsDeleted) {
+  MemoryRegistry registry;
+  registry.create("HKEY_CURRENT_USER\\a\\b");
+  RegistryKey key;
+  registry.open(kCurrentUser, "a", kKeyRead, key);
+  Registry::KeyInfo before;
+  Registry::KeyInfo after;
+  registry.info(key, before);
+  EXPECT_EQ(registry.delete_key(kCurrentUser, "a\\none"), kRegFileNotFound);
+  registry.info(key, after);
+  EXPECT_EQ(after.last_write, before.last_write);
+  EXPECT_EQ(registry.delete_key(kCurrentUser, "a\\b"), kRegSuccess);
+  registry.info(key, after);
+  EXPECT_GT(after.last_write, before.last_write);
+}
+
 TEST(MemoryRegistry, CanFailTheEnumerationInItsMiddle) {
   MemoryRegistry registry;
   for (const char* name : {"a", "b", "c"})

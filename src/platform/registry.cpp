@@ -49,6 +49,10 @@ void RegistryKey::close() noexcept {
   if (handle_ != nullptr) registry_->close(std::exchange(handle_, nullptr));
 }
 
+bool names_no_key(const char* path) noexcept {
+  return path == nullptr || path[std::strspn(path, "\\")] == '\0';
+}
+
 String get_registry_binary(const RegistryKey& key, const char* value_name) {
   uint32_t type = 0;
   String bytes;

@@ -44,6 +44,8 @@ inline constexpr uint32_t kRegNotifySecurity = 8;
 /// The predefined keys as rows of the inventory store them.
 inline constexpr int32_t kLocalMachine = -2147483646;
 inline constexpr int32_t kCurrentUser = -2147483647;
+/// HKEY_CLASSES_ROOT: what the shell knows of types of files.
+inline constexpr int32_t kClassesRoot = -2147483647 - 1;
 
 class Registry;
 
@@ -84,8 +86,8 @@ class Registry {
 
   virtual ~Registry() = default;
 
-  /// Opens `path` below a predefined key (kLocalMachine, kCurrentUser). `key` is replaced on
-  /// success and emptied on failure.
+  /// Opens `path` below a predefined key (kLocalMachine, kCurrentUser, kClassesRoot). `key` is
+  /// replaced on success and emptied on failure.
   virtual RegStatus open(int32_t root, const char* path, uint32_t access, RegistryKey& key) = 0;
   /// Opens `path` below an open key.
   virtual RegStatus open(const RegistryKey& parent, const char* path, uint32_t access,
@@ -109,11 +111,18 @@ class Registry {
   /// call stay in force while the key is open. `event` must live as long as `key` is open.
   virtual RegStatus notify(const RegistryKey& key, bool subtree, uint32_t filter,
                            ORLO::Event& event) = 0;
+  /// Deletes the key at `path` below a predefined key, in the view of this process, with its
+  /// values. kRegAccessDenied if it has subkeys, and for a path without a name, which would stand
+  /// for the predefined key itself.
+  virtual RegStatus delete_key(int32_t root, const char* path) = 0;
 
  protected:
   friend class RegistryKey;
   virtual void close(RegistryKey::Handle handle) noexcept = 0;
 };
+
+/// Whether a path is null, or made of backslashes alone.
+bool names_no_key(const char* path) noexcept;
 
 /// The value's bytes; of a text value one trailing NUL is dropped. Empty on failure.
 String get_registry_binary(const RegistryKey& key, const char* value_name);

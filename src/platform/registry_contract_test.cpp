@@ -661,6 +661,87 @@ TEST_P(RegistryContract, WakesAThreadThatWaits) {
   EXPECT_TRUE(woken);
 }
 
+TEST_P(RegistryContract, KnowsTheTypesOfFiles) {
+  bed().set(std::string(kOwnClassesKey) + "\\shell\\edit", "", kRegSz, text_data(u"x"));
+  RegistryKey key;
+  ASSERT_EQ(registry().open(kClassesRoot, "ZolvaneTest\\Shell\\edit", kKeyRead, key), kRegSuccess);
+  EXPECT_STREQ(get_registry_text(key, "").c_str(), "x");
+  EXPECT_EQ(registry().open(kClassesRoot, "ZolvaneTest\\none", kKeyRead, key), kRegFileNotFound);
+}
+
+TEST_P(RegistryContract, DeletesAKeyWithItsValues) {
+  bed().set(std::string(kOwnUserKey) + "\\a\\b", "x", kRegSz, text_data(u"y"));
+  EXPECT_EQ(registry().delete_key(kCurrentUser, "software\\ZolvaneTest\\A\\B"), kRegSuccess);
+  EXPECT_FALSE(open("a\\b"));
+  EXPECT_TRUE(open("a"));
+}
+
+TEST_P(RegistryContract, DeletesNoKeyThatHasSubkeys) {
+  bed().set(std::string(kOwnUserKey) + "\\a", "x", kRegSz, text_data(u"y"));
+  bed().create(std::string(kOwnUserKey) + "\\a\\b");
+  EXPECT_EQ(registry().delete_key(kCurrentUser, "Software\\ZolvaneTest\\a"), kRegAccessDenied);
+  EXPECT_TRUE(open("a\\b"));
+  EXPECT_STREQ(get_registry_text(open("a"), "x").c_str(), "y");
+}
+
+TEST_P(RegistryContract, SaysThatAKeyToDeleteIsNotThere) {
+  EXPECT_EQ(registry().delete_key(kCurrentUser, "Software\\ZolvaneTest\\none"), kRegFileNotFound);
+  EXPECT_EQ(registry().delete_key(kCurrentUser, "Software\\ZolvaneTest\\none\\none"),
+            kRegFileNotFound);
+  EXPECT_EQ(registry().delete_key(77, "Software\\ZolvaneTest"), kRegInvalidHandle);
+}
+
+TEST_P(RegistryContract, DeletesNoPredefinedKey) {
+  for (const int32_t root : {kLocalMachine, kCurrentUser, kClassesRoot}) {
+    for (const char* path : {static_cast<const char*>(nullptr), "", "\\", "\\\\"}) {
+      SCOPED_TRACE(path == nullptr ? "null" : path);
+      EXPECT_EQ(registry().delete_key(root, path), kRegAccessDenied);
+    }
+  }
+  EXPECT_TRUE(open());
+}
+
+TEST_P(RegistryContract, DeletesByThePathsThatItOpensBy) {
+  bed().create(std::string(kOwnUserKey) + "\\a");
+  bed().create(std::string(kOwnUserKey) + "\\b");
+  EXPECT_EQ(registry().delete_key(kCurrentUser, "\\Software\\ZolvaneTest\\a"), 161u);
+  EXPECT_TRUE(open("a"));
+  EXPECT_EQ(registry().delete_key(kCurrentUser, "Software\\\\ZolvaneTest\\\\a"), kRegSuccess);
+  EXPECT_FALSE(open("a"));
+  EXPECT_EQ(registry().delete_key(kCurrentUser, "Software\\ZolvaneTest\\b\\"), kRegSuccess);
+  EXPECT_FALSE(open("b"));
+}
+
+TEST_P(RegistryContract, DeletesInTheProcesssOwnView) {
+  bed().create(kOwnMachineKey);
+  bed().create(kOwnMachineKey32);
+  EXPECT_EQ(registry().delete_key(kLocalMachine, "SOFTWARE\\ZolvaneTest"), kRegSuccess);
+  const bool wow64 = bed().view() == View::wow64;
+  RegistryKey key;
+  EXPECT_EQ(registry().open(kLocalMachine, "SOFTWARE\\ZolvaneTest", kKeyRead | kKeyWow64_64, key),
+            wow64 ? kRegSuccess : kRegFileNotFound);
+  EXPECT_EQ(registry().open(kLocalMachine, "SOFTWARE\\Wow6432Node\\ZolvaneTest", kKeyRead, key),
+            wow64 ? kRegFileNotFound : kRegSuccess);
+}
+
+TEST_P(RegistryContract, DeletesNothingThatOnlyTheOtherViewHas) {
+  const bool wow64 = bed().view() == View::wow64;
+  bed().create(wow64 ? kOwnMachineKey : kOwnMachineKey32);
+  EXPECT_EQ(registry().delete_key(kLocalMachine, "SOFTWARE\\ZolvaneTest"), kRegFileNotFound);
+}
+
+TEST_P(RegistryContract, TellsOfAKeyThatIsDeleted) {
+  bed().create(std::string(kOwnUserKey) + "\\a");
+  RegistryKey deleted = open("a");
+  ORLO::Event event;
+  RegistryKey key = open();
+  ASSERT_EQ(registry().notify(key, true, kRegNotifyName, event), kRegSuccess);
+  ASSERT_EQ(registry().delete_key(kCurrentUser, "Software\\ZolvaneTest\\a"), kRegSuccess);
+  EXPECT_TRUE(ORLO::wait_for(event, kSoon));
+  Registry::KeyInfo info;
+  EXPECT_EQ(registry().info(deleted, info), kRegKeyDeleted);
+}
+
 TEST_P(RegistryContract, ReadsValuesOfAnySizeAsTextAndAsBytes) {
   RegistryKey key = open();
   for (const size_t length : {0u, 1u, 1022u, 1023u, 1024u, 1025u, 3000u, 100000u}) {

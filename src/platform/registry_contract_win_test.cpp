@@ -24,9 +24,10 @@ std::wstring wide(std::string_view utf8) {
 /// Splits a whole path into its predefined key and the rest.
 HKEY take_root(std::wstring& path) {
   const size_t end = path.find(L'\\');
-  const bool machine = path.compare(0, end, L"HKEY_LOCAL_MACHINE") == 0;
+  const std::wstring name = path.substr(0, end);
   path.erase(0, end + 1);
-  return machine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
+  if (name == L"HKEY_CLASSES_ROOT") return HKEY_CLASSES_ROOT;
+  return name == L"HKEY_LOCAL_MACHINE" ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
 }
 
 void demand(LSTATUS status, const char* what) {
@@ -36,9 +37,11 @@ void demand(LSTATUS status, const char* what) {
 OwnedKey create_key(const std::string& path) {
   std::wstring below = wide(path);
   const HKEY root = take_root(below);
+  // Types of files are the same in both views, but not the way there.
+  const REGSAM view = root == HKEY_CLASSES_ROOT ? 0 : KEY_WOW64_64KEY;
   HKEY key = nullptr;
-  demand(RegCreateKeyExW(root, below.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS | KEY_WOW64_64KEY,
-                         nullptr, &key, nullptr),
+  demand(RegCreateKeyExW(root, below.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS | view, nullptr, &key,
+                         nullptr),
          "create");
   return OwnedKey(key);
 }
@@ -103,6 +106,7 @@ class SystemBed final : public RegistryBed {
   static void clear() {
     for (const char* path : {kOwnUserKey, kOwnMachineKey, kOwnMachineKey32})
       remove_key(path);
+    RegDeleteTreeA(HKEY_CLASSES_ROOT, "ZolvaneTest");
   }
 
   std::unique_ptr<Registry> registry_;

@@ -35,6 +35,8 @@ class ScriptedRegistry final : public Registry {
     return kRegAccessDenied;
   }
 
+  RegStatus delete_key(int32_t, const char*) override { return kRegAccessDenied; }
+
   RegStatus value(const RegistryKey&, const char*, uint32_t& type, void* data,
                   uint32_t& size) override {
     const uint32_t room = size;

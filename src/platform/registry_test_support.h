@@ -12,9 +12,10 @@
 #include "platform/memory_registry.h"
 #include "platform/registry.h"
 
-/// A registry that a test may change below two keys: kOwnUserKey, and kOwnMachineKey with its twin
-/// in the other view. Paths are whole and UTF-8; text data is UTF-16 bytes. Those of
-/// HKEY_LOCAL_MACHINE name the native view, so the 32-bit one lies below WOW6432Node.
+/// A registry that a test may change below three keys: kOwnUserKey, kOwnClassesKey, and
+/// kOwnMachineKey with its twin in the other view. Paths are whole and UTF-8; text data is UTF-16
+/// bytes. Those of HKEY_LOCAL_MACHINE name the native view, so the 32-bit one lies below
+/// WOW6432Node.
 class RegistryBed {
  public:
   virtual ~RegistryBed() = default;
@@ -35,6 +36,7 @@ class RegistryBed {
 inline constexpr char kOwnUserKey[] = "HKEY_CURRENT_USER\\Software\\ZolvaneTest";
 inline constexpr char kOwnMachineKey[] = "HKEY_LOCAL_MACHINE\\SOFTWARE\\ZolvaneTest";
 inline constexpr char kOwnMachineKey32[] = "HKEY_LOCAL_MACHINE\\SOFTWARE\\WOW6432Node\\ZolvaneTest";
+inline constexpr char kOwnClassesKey[] = "HKEY_CLASSES_ROOT\\ZolvaneTest";
 
 struct RegistryBedMaker {
   const char* name;

@@ -16,7 +16,6 @@ struct PredefinedKey {
   std::u16string_view short_name;
 };
 
-constexpr int32_t kClassesRoot = -2147483647 - 1;
 constexpr int32_t kUsers = kLocalMachine + 1;
 constexpr int32_t kCurrentConfig = kLocalMachine + 3;
 

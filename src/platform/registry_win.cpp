@@ -84,6 +84,11 @@ class SystemRegistry final : public Registry {
                                              static_cast<HANDLE>(event.native()), TRUE));
   }
 
+  RegStatus delete_key(int32_t root, const char* path) override {
+    if (names_no_key(path)) return kRegAccessDenied;
+    return status_of(RegDeleteKeyA(predefined(root), path));
+  }
+
  protected:
   void close(RegistryKey::Handle handle) noexcept override {
     RegCloseKey(static_cast<HKEY>(handle));
