@@ -174,6 +174,58 @@ TEST(MainDialogTemplate, HasItsFrameFontMenuAndSize) {
   }
 }
 
+std::string short_date_of(uint16_t language) {
+  SYSTEMTIME last_day = {};
+  last_day.wYear = 2026;
+  last_day.wMonth = 12;
+  last_day.wDay = 31;
+  char text[100] = {};
+  GetDateFormatA(language, DATE_SHORTDATE | LOCALE_NOUSEROVERRIDE, &last_day, nullptr, text,
+                 sizeof text);
+  return text;
+}
+
+char widest_digit(HWND window) {
+  char widest = '0';
+  for (char digit = '1'; digit <= '9'; ++digit) {
+    if (extent_of(window, {digit}).cx > extent_of(window, {widest}).cx) widest = digit;
+  }
+  return widest;
+}
+
+/// The widest text of the pattern's form.
+std::string with_widest_digits(HWND window, std::string pattern) {
+  const char digit = widest_digit(window);
+  for (char& c : pattern) {
+    if (c >= '0' && c <= '9') c = digit;
+  }
+  return pattern;
+}
+
+/// What is left for an edit control's text between its edges and margins.
+int room_in_field(HWND field) {
+  RECT room = {};
+  SendMessageA(field, EM_GETRECT, 0, reinterpret_cast<LPARAM>(&room));
+  return ORLO::width(room);
+}
+
+// These two don't grow with the dialog: what doesn't fit here never does.
+TEST(MainDialogTemplate, GivesVersionAndDateAFifthMoreThanTheirLongestContents) {
+  for (const uint16_t language : kLanguages) {
+    const LaidOut dialog(language, IDD_MAIN);
+    const std::string date = short_date_of(language);
+    EXPECT_EQ(date, language == kEnglish ? "31/12/2026" : "31.12.2026");
+    const std::pair<int, std::string> contents[] = {{IDC_VERSION, "99.99.99999.99999"},
+                                                    {IDC_DATE, date + " 23:59"}};
+    for (const auto& [id, text] : contents) {
+      SCOPED_TRACE(text);
+      const HWND field = dialog.control(id);
+      EXPECT_GE(room_in_field(field) * 10,
+                extent_of(field, with_widest_digits(field, text)).cx * 12);
+    }
+  }
+}
+
 class EveryDialog : public testing::TestWithParam<std::pair<uint16_t, unsigned>> {
  protected:
   const LaidOut dialog{GetParam().first, GetParam().second};
