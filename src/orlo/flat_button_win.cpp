@@ -1,11 +1,13 @@
 #include "orlo/flat_button.h"
 
+#include "orlo/dpi.h"
 #include "orlo/module_functions.h"
 #include "orlo/window_helpers.h"
 
 namespace ORLO {
 namespace {
 
+// Pixels of a screen of 96 dots per inch.
 constexpr int kFocusInset = 3;
 
 bool foreground_is_ours() {
@@ -118,7 +120,8 @@ void FlatButtonController::draw(const DRAWITEMSTRUCT& item) const {
   draw_text(item);
   if ((item.itemState & ODS_FOCUS) != 0 && (item.itemState & ODS_NOFOCUSRECT) == 0) {
     RECT focus = item.rcItem;
-    InflateRect(&focus, -kFocusInset, -kFocusInset);
+    const int inset = scale_up(kFocusInset, screen_dpi());
+    InflateRect(&focus, -inset, -inset);
     DrawFocusRect(item.hDC, &focus);
   }
 }

@@ -11,6 +11,8 @@ void move_to_screen(HWND window);
 /// Centres a window over its owner, or else over the window of its thread that lies next below it,
 /// or else in the work area. Hidden and minimised windows don't count.
 void center_window(HWND window);
+/// Makes a window that is wider or higher than the work area as wide or high as that.
+void shrink_to_work_area(HWND window);
 /// Gives the window another menu and destroys the one it had.
 void replace_menu(HWND window, OwnedMenu menu);
 /// The text of a window of this process.

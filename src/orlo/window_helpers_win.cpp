@@ -24,15 +24,18 @@ HWND next_visible_sibling(HWND window) {
   return nullptr;
 }
 
-RECT area_to_center_in(HWND window) {
+RECT work_area() {
   RECT area = {};
+  SystemParametersInfoA(SPI_GETWORKAREA, 0, &area, 0);
+  return area;
+}
+
+RECT area_to_center_in(HWND window) {
   const HWND owner = GetWindow(window, GW_OWNER);
   const HWND below = can_be_seen(owner) ? owner : next_visible_sibling(window);
-  if (below != nullptr) {
-    GetWindowRect(below, &area);
-  } else {
-    SystemParametersInfoA(SPI_GETWORKAREA, 0, &area, 0);
-  }
+  if (below == nullptr) return work_area();
+  RECT area = {};
+  GetWindowRect(below, &area);
   return area;
 }
 
@@ -62,6 +65,15 @@ void center_window(HWND window) {
   move_window(window, area.left + (width(area) - width(rect)) / 2,
               area.top + (height(area) - height(rect)) / 2);
   move_to_screen(window);
+}
+
+void shrink_to_work_area(HWND window) {
+  RECT rect = {};
+  GetWindowRect(window, &rect);
+  const RECT area = work_area();
+  if (width(rect) <= width(area) && height(rect) <= height(area)) return;
+  SetWindowPos(window, nullptr, 0, 0, std::min(width(rect), width(area)),
+               std::min(height(rect), height(area)), SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void replace_menu(HWND window, OwnedMenu menu) {

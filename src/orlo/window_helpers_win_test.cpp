@@ -63,6 +63,35 @@ TEST_F(WindowHelpersTest, MoveToScreenKeepsTheCornerOfALargerWindowInView) {
   EXPECT_EQ(place_of(dialog.window()).top, 0);
 }
 
+TEST_F(WindowHelpersTest, ShrinksAWindowThatIsLargerThanTheWorkArea) {
+  RECT area = {};
+  SystemParametersInfoA(SPI_GETWORKAREA, 0, &area, 0);
+  const int room_x = width(area);
+  const int room_y = height(area);
+  const struct {
+    const char* what;
+    SIZE before;
+    SIZE after;
+  } rows[] = {
+      {"small", {300, 200}, {300, 200}},
+      {"as large", {room_x, room_y}, {room_x, room_y}},
+      {"wide", {room_x + 1, 200}, {room_x, 200}},
+      {"high", {300, room_y + 1}, {300, room_y}},
+      {"large", {room_x + 200, room_y + 100}, {room_x, room_y}},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    SetWindowPos(dialog.window(), nullptr, 7, 8, row.before.cx, row.before.cy,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+    shrink_to_work_area(dialog.window());
+    const RECT shrunk = place_of(dialog.window());
+    EXPECT_EQ(width(shrunk), row.after.cx);
+    EXPECT_EQ(height(shrunk), row.after.cy);
+    EXPECT_EQ(shrunk.left, 7);
+    EXPECT_EQ(shrunk.top, 8);
+  }
+}
+
 TEST_F(WindowHelpersTest, CenterWindowUsesTheWorkAreaWithoutASibling) {
   RECT area = {};
   SystemParametersInfoA(SPI_GETWORKAREA, 0, &area, 0);

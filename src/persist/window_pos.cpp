@@ -7,9 +7,9 @@
 
 namespace {
 
-// What it takes to grasp a title bar.
-constexpr int64_t kGripWidth = 48;
-constexpr int64_t kTitleHeight = 24;
+// What it takes to grasp a title bar, in pixels of a screen of 96 dots per inch.
+constexpr int kGripWidth = 48;
+constexpr int kTitleHeight = 24;
 // No system has larger windows, or windows further out: messages tell of places in 16 bits.
 constexpr int kLargest = 32767;
 constexpr int kFarthest = -32768;
@@ -28,9 +28,10 @@ int limited(int length, int least, int most) noexcept {
   return std::clamp(std::max(std::min(length, most), least), 0, kLargest);
 }
 
-bool in_reach(const WindowPos& pos, const ScreenArea& area) {
-  return overlap(pos.left, pos.right, area.left, area.right) >= kGripWidth &&
-         overlap(pos.top, pos.top + kTitleHeight, area.top, area.bottom) >= kTitleHeight / 2;
+bool in_reach(const WindowPos& pos, const ScreenArea& area, int dpi) {
+  const int64_t title_height = ORLO::scale_up(kTitleHeight, dpi);
+  return overlap(pos.left, pos.right, area.left, area.right) >= ORLO::scale_up(kGripWidth, dpi) &&
+         overlap(pos.top, pos.top + title_height, area.top, area.bottom) >= title_height / 2;
 }
 
 /// Moves a span into another one, shortened if it is longer.
@@ -78,8 +79,8 @@ WindowPos as_placed(const WindowPos& pos, const SizeLimits& limits) {
   return placed;
 }
 
-WindowPos within_reach(const WindowPos& pos, const std::vector<ScreenArea>& areas) {
-  const auto reaches = [&](const ScreenArea& area) { return in_reach(pos, area); };
+WindowPos within_reach(const WindowPos& pos, const std::vector<ScreenArea>& areas, int dpi) {
+  const auto reaches = [&](const ScreenArea& area) { return in_reach(pos, area, dpi); };
   if (areas.empty() || std::any_of(areas.begin(), areas.end(), reaches)) return pos;
   WindowPos moved = pos;
   move_into(moved.left, moved.right, areas.front().left, areas.front().right);

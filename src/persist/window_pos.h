@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "orlo/dpi.h"
 #include "orlo/rstring.h"
 
 /// Screen pixels of the window's normal, not minimised or maximised, state.
@@ -52,5 +53,7 @@ struct ScreenArea {
 };
 
 /// The place as it is if the title bar of a window there can be grasped on one of the areas; else
-/// moved into the first one, and no larger than that. Without areas the place as it is.
-WindowPos within_reach(const WindowPos& pos, const std::vector<ScreenArea>& areas);
+/// moved into the first one, and no larger than that. Without areas the place as it is. What can be
+/// grasped depends on the resolution; places are pixels of the screen in any case.
+WindowPos within_reach(const WindowPos& pos, const std::vector<ScreenArea>& areas,
+                       int dpi = ORLO::kStandardDpi);

@@ -67,6 +67,19 @@ TEST(WindowWithinReach, ComesToTheFirstScreenFromOneThatIsGone) {
     EXPECT_EQ(within_reach(row.saved, kScreens), row.shown) << window_pos_text(row.saved).c_str();
 }
 
+TEST(WindowWithinReach, AsksForALargerGripAtAHigherResolution) {
+  const WindowPos narrow{1232, 100, 2000, 800, 1};
+  const WindowPos wide{1184, 100, 2000, 800, 1};
+  const WindowPos low{0, 972, 900, 1600, 1};
+  const WindowPos high{0, 960, 900, 1600, 1};
+  EXPECT_EQ(within_reach(narrow, kScreens, 96), narrow);
+  EXPECT_EQ(within_reach(narrow, kScreens, 192), (WindowPos{512, 100, 1280, 800, 1}));
+  EXPECT_EQ(within_reach(wide, kScreens, 192), wide);
+  EXPECT_EQ(within_reach(low, kScreens, 96), low);
+  EXPECT_EQ(within_reach(low, kScreens, 192), (WindowPos{0, 356, 900, 984, 1}));
+  EXPECT_EQ(within_reach(high, kScreens, 192), high);
+}
+
 TEST(WindowPos, HasASizeThatAWindowCanHave) {
   const WindowPos rows[] = {
       {10, 20, 110, 70, 1}, {110, 70, 10, 20, 1}, {INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX, 1}};

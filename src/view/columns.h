@@ -13,7 +13,7 @@ inline constexpr int kChangesColumn = 30;
 
 struct ListColumn {
   unsigned title;  ///< id in the string table
-  int width;       ///< pixels; 0 hides the column
+  int width;       ///< as ListControl counts them; 0 hides the column
   ListControl::Align align;
   /// The cell's text, for columns that show a field as it is; else null.
   String UninstallEntry::*text;

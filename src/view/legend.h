@@ -9,7 +9,7 @@ inline constexpr int kLegendColumns = 3;
 
 struct LegendColumn {
   unsigned title;  ///< id in the string table
-  int width;       ///< pixels
+  int width;       ///< pixels of a screen of 96 dots per inch
   ListControl::Align align;
 };
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "orlo/dialog_mixins.h"
+#include "orlo/dpi.h"
 #include "orlo/flat_button.h"
 #include "orlo/list_view.h"
 #include "view/cell_painter.h"
@@ -9,8 +10,8 @@
 
 class LegendDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORLO::DlgController>> {
  public:
-  /// The resources must outlive the dialog.
-  LegendDlg(HWND window, const Resources& resources);
+  /// The resources must outlive the dialog. `dpi`: the resolution that its lengths are scaled to.
+  LegendDlg(HWND window, const Resources& resources, int dpi = ORLO::screen_dpi());
 
   LRESULT Notify(unsigned id, NMHDR* header) override;
   LRESULT Init(HWND focus_window) override;
@@ -21,7 +22,7 @@ class LegendDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORLO::
  private:
   using Base = ORLO::ResizeController<ORLO::OwnerDrawController<ORLO::DlgController>>;
 
-  void fill_list(const Resources& resources) const;
+  void fill_list(const Resources& resources, int dpi) const;
   LRESULT draw(NMLVCUSTOMDRAW& draw) const;
 
   const String search_string_;

@@ -10,7 +10,8 @@ namespace {
 
 constexpr COLORREF kButtonText = 0x800000;
 constexpr COLORREF kActiveButtonText = 0xff0000;
-// How much the dialog opens larger than its template, in pixels.
+// How much the dialog opens larger than its template, in pixels of a screen of 96 dots per
+// inch.
 constexpr int kExtraWidth = 100;
 constexpr int kExtraHeight = 50;
 
@@ -21,7 +22,7 @@ constexpr ORLO::ResizeRule kResizeRules[] = {
 
 }  // namespace
 
-LegendDlg::LegendDlg(HWND window, const Resources& resources)
+LegendDlg::LegendDlg(HWND window, const Resources& resources, int dpi)
     : Base(window),
       search_string_(resources.text(IDS_SEARCH_STRING)),
       list_(control(IDC_LEGEND_LIST)),
@@ -29,14 +30,14 @@ LegendDlg::LegendDlg(HWND window, const Resources& resources)
       close_button_(control(IDOK), kButtonText, kActiveButtonText) {
   resizer.add(kResizeRules, std::size(kResizeRules));
   resizer.init(window);
-  resizer.set_size(kExtraWidth, kExtraHeight);
-  fill_list(resources);
+  resizer.set_size(ORLO::scale_up(kExtraWidth, dpi), ORLO::scale_up(kExtraHeight, dpi));
+  fill_list(resources, dpi);
 }
 
-void LegendDlg::fill_list(const Resources& resources) const {
+void LegendDlg::fill_list(const Resources& resources, int dpi) const {
   for (int index = 0; index < kLegendColumns; ++index) {
     const LegendColumn& column = legend_column(index);
-    list_.add_column(index, resources.text(column.title).c_str(), column.width,
+    list_.add_column(index, resources.text(column.title).c_str(), ORLO::scale_up(column.width, dpi),
                      column.align == ListControl::Align::right ? LVCFMT_RIGHT : LVCFMT_LEFT);
   }
   constexpr DWORD kStyles = LVS_EX_GRIDLINES | LVS_EX_FULLROWSELECT;

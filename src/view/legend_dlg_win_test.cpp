@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "view/resource_ids.h"
 
@@ -16,14 +17,14 @@ constexpr DWORD kCellStage = CDDS_SUBITEM | CDDS_ITEMPREPAINT;
 
 class LegendDlgTest : public testing::TestWithParam<uint16_t> {
  protected:
-  LegendDlgTest() {
+  explicit LegendDlgTest(int dpi = 96) {
     INITCOMMONCONTROLSEX classes = {};
     classes.dwSize = sizeof classes;
     classes.dwICC = ICC_LISTVIEW_CLASSES;
     InitCommonControlsEx(&classes);
     window = ORLO::Dialog::DoModeless(
         resources.module(), resources.dialog(IDD_LEGEND), nullptr,
-        [this](HWND made) { return std::make_unique<LegendDlg>(made, resources); });
+        [this, dpi](HWND made) { return std::make_unique<LegendDlg>(made, resources, dpi); });
     list = GetDlgItem(window, IDC_LEGEND_LIST);
     context = CreateCompatibleDC(nullptr);
     system_font = GetCurrentObject(context, OBJ_FONT);
@@ -65,12 +66,26 @@ class LegendDlgTest : public testing::TestWithParam<uint16_t> {
     return {ORLO::width(rect), ORLO::height(rect)};
   }
 
+  std::vector<int> widths() const {
+    std::vector<int> found;
+    found.reserve(3);
+    for (WPARAM column = 0; column < 3; ++column)
+      found.push_back(static_cast<int>(SendMessageA(list, LVM_GETCOLUMNWIDTH, column, 0)));
+    return found;
+  }
+
   const Resources resources{GetModuleHandleA(nullptr), GetParam()};
   HWND window = nullptr;
   HWND list = nullptr;
   HDC context = nullptr;
   HGDIOBJ system_font = nullptr;
   NMLVCUSTOMDRAW drawn = {};
+};
+
+/// On a screen of higher resolution, which this one only pretends to be.
+class FineLegendDlgTest : public LegendDlgTest {
+ protected:
+  FineLegendDlgTest() : LegendDlgTest(144) {}
 };
 
 TEST_P(LegendDlgTest, ListHasItsRowsColumnsAndStyles) {
@@ -130,6 +145,23 @@ TEST_P(LegendDlgTest, OpensLargerThanItsTemplateAndNoSmallerThanThat) {
   EXPECT_EQ(limits.ptMinTrackSize.y, frame().cy - 50);
 }
 
+TEST_P(LegendDlgTest, ColumnsHaveTheirWidths) {
+  EXPECT_EQ(widths(), (std::vector<int>{120, 80, 100}));
+}
+
+TEST_P(FineLegendDlgTest, OpensLargerThanItsTemplateByTheScaledLengths) {
+  RECT units = {0, 0, 180, 87};
+  MapDialogRect(window, &units);
+  RECT client = {};
+  GetClientRect(window, &client);
+  EXPECT_EQ(client.right, units.right + 150);
+  EXPECT_EQ(client.bottom, units.bottom + 75);
+}
+
+TEST_P(FineLegendDlgTest, ColumnsHaveScaledWidths) {
+  EXPECT_EQ(widths(), (std::vector<int>{180, 120, 150}));
+}
+
 TEST_P(LegendDlgTest, ListStretchesAndTheButtonKeepsToItsCorner) {
   const RECT list_before = place_of(IDC_LEGEND_LIST);
   const RECT button_before = place_of(IDOK);
@@ -154,5 +186,6 @@ TEST_P(LegendDlgTest, CloseEndsItAndItsFontGoesWithIt) {
 }
 
 INSTANTIATE_TEST_SUITE_P(BothLanguages, LegendDlgTest, testing::Values(kEnglish, kGerman));
+INSTANTIATE_TEST_SUITE_P(BothLanguages, FineLegendDlgTest, testing::Values(kEnglish, kGerman));
 
 }  // namespace

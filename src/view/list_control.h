@@ -28,6 +28,7 @@ class ListControl {
 
   virtual ~ListControl() = default;
 
+  // Widths are pixels of a screen of 96 dots per inch, whatever the screen is.
   virtual void add_column(int index, const String& title, int width, Align align) = 0;
   virtual int column_width(int index) const = 0;
   virtual void set_column_width(int index, int width) = 0;

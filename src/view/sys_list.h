@@ -1,6 +1,7 @@
 // The system's list view as the list that the model drives.
 #pragma once
 
+#include "orlo/dpi.h"
 #include "orlo/orlowin.h"
 #include "view/list_control.h"
 
@@ -8,7 +9,9 @@
 /// control when it draws (LVN_GETDISPINFOA).
 class SysListControl : public ListControl {
  public:
-  explicit SysListControl(HWND list) noexcept : list_(list) {}
+  /// `dpi`: the resolution that the widths of columns are scaled to.
+  explicit SysListControl(HWND list, int dpi = ORLO::screen_dpi()) noexcept
+      : list_(list), dpi_(dpi) {}
   SysListControl(const SysListControl&) = delete;
   SysListControl& operator=(const SysListControl&) = delete;
 
@@ -48,5 +51,6 @@ class SysListControl : public ListControl {
   }
 
   const HWND list_;
+  const int dpi_;
   int frozen_ = 0;
 };

@@ -57,18 +57,18 @@ void SysListControl::add_column(int index, const String& title, int width, Align
   LVCOLUMNA column = {};
   column.mask = LVCF_FMT | LVCF_WIDTH | LVCF_TEXT | LVCF_SUBITEM;
   column.fmt = align == Align::right ? LVCFMT_RIGHT : LVCFMT_LEFT;
-  column.cx = width;
+  column.cx = ORLO::scale_up(width, dpi_);
   column.pszText = writable(title);
   column.iSubItem = index;
   send(LVM_INSERTCOLUMNA, item(index), address(column));
 }
 
 int SysListControl::column_width(int index) const {
-  return static_cast<int>(send(LVM_GETCOLUMNWIDTH, item(index)));
+  return ORLO::scale_down(static_cast<int>(send(LVM_GETCOLUMNWIDTH, item(index))), dpi_);
 }
 
 void SysListControl::set_column_width(int index, int width) {
-  send(LVM_SETCOLUMNWIDTH, item(index), width);
+  send(LVM_SETCOLUMNWIDTH, item(index), ORLO::scale_up(width, dpi_));
 }
 
 void SysListControl::set_sort_arrow(int column, SortArrow arrow) {

@@ -24,7 +24,7 @@ class SysListControlTest : public testing::Test {
     window =
         CreateWindowExA(0, WC_LISTVIEWA, "", WS_POPUP | WS_VISIBLE | LVS_REPORT | LVS_SINGLESEL, 0,
                         0, 300, 80, nullptr, nullptr, GetModuleHandleA(nullptr), nullptr);
-    list = std::make_unique<SysListControl>(window);
+    list = std::make_unique<SysListControl>(window, 96);
   }
   ~SysListControlTest() override { DestroyWindow(window); }
 
@@ -63,6 +63,29 @@ TEST_F(SysListControlTest, ColumnsHaveTitleWidthAndAlignment) {
   EXPECT_EQ(column.fmt & LVCFMT_JUSTIFYMASK, LVCFMT_RIGHT);
   EXPECT_EQ(column.iSubItem, 1);
   EXPECT_EQ(SendMessageA(window, LVM_GETCOLUMNWIDTH, 2, 0), 0);
+}
+
+TEST_F(SysListControlTest, WidthsAreScaledToTheResolution) {
+  SysListControl fine(window, 144);
+  fine.add_column(0, "Name", 90, ListControl::Align::left);
+  fine.add_column(1, "Hidden", 0, ListControl::Align::left);
+  const auto pixels = [this](WPARAM column) {
+    return SendMessageA(window, LVM_GETCOLUMNWIDTH, column, 0);
+  };
+  EXPECT_EQ(pixels(0), 135);
+  EXPECT_EQ(pixels(1), 0);
+  EXPECT_EQ(fine.column_width(0), 90);
+  EXPECT_EQ(fine.column_width(1), 0);
+  fine.set_column_width(1, 100);
+  EXPECT_EQ(pixels(1), 150);
+  EXPECT_EQ(fine.column_width(1), 100);
+}
+
+TEST_F(SysListControlTest, AColumnThatIsHardlySeenIsNotAHiddenOne) {
+  SysListControl finest(window, 480);
+  finest.add_column(0, "Name", 90, ListControl::Align::left);
+  SendMessageA(window, LVM_SETCOLUMNWIDTH, 0, 1);
+  EXPECT_EQ(finest.column_width(0), 1);
 }
 
 TEST_F(SysListControlTest, InsertsInFrontOfAnIndexOrAtTheEnd) {

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "orlo/dpi.h"
 #include "orlo/exception.h"
 #include "orlo/window_helpers.h"
 #include "persist/configuration.h"
@@ -20,7 +21,8 @@ using ORLO::ResizeRule;
 
 constexpr COLORREF kButtonText = 0x800000;
 constexpr COLORREF kActiveButtonText = 0xff0000;
-// How much the dialog opens larger than its template, in pixels.
+// How much the dialog opens larger than its template, in pixels of a screen of 96 dots per
+// inch.
 constexpr int kExtraWidth = 252;
 constexpr int kExtraHeight = 300;
 constexpr INT_PTR kClosed = 2;
@@ -170,7 +172,8 @@ void UninstallDlg::set_menu() {
 void UninstallDlg::set_resize_rules() {
   resizer.add(kResizeRules, std::size(kResizeRules));
   resizer.init(_hwnd);
-  resizer.set_size(kExtraWidth, kExtraHeight);
+  const int dpi = ORLO::screen_dpi();
+  resizer.set_size(ORLO::scale_up(kExtraWidth, dpi), ORLO::scale_up(kExtraHeight, dpi));
 }
 
 void UninstallDlg::add_columns() {
@@ -198,12 +201,14 @@ void UninstallDlg::fill_combos() {
 void UninstallDlg::place_window() {
   const std::optional<WindowPos> saved = parse_window_pos(run_.windowPos);
   if (!saved) {
+    ORLO::shrink_to_work_area(_hwnd);
     ORLO::center_window(_hwnd);
     return;
   }
   // Corrected before the window is moved, by the size that it is going to have: it never lies out
   // of reach, and is laid out once.
-  const WindowPos place = within_reach(as_placed(*saved, size_limits(_hwnd)), work_areas());
+  const WindowPos place =
+      within_reach(as_placed(*saved, size_limits(_hwnd)), work_areas(), ORLO::screen_dpi());
   // The layout follows from the message that tells of the new size.
   MoveWindow(_hwnd, place.left, place.top, place.width(), place.height(), TRUE);
   ShowWindow(_hwnd, saved->show_command);
