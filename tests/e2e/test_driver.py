@@ -4,7 +4,12 @@ import time
 
 import pytest
 
+from conftest import BINARIES
+from support.installers import Installer
 from support.program import DriverError
+from support.registry import UNINSTALL
+
+KEY = "Left_behind"
 
 
 @pytest.fixture(scope="module")
@@ -60,3 +65,41 @@ def test_running_programs_are_found_by_their_file_name(driver):
     assert driver("processes", "not there.exe") == []
     found = driver("processes", "zolvane-driver.exe")
     assert len(found) == 1 and driver("running", found[0])
+
+
+def test_the_clipboard_of_one_program_is_that_of_another(make_desk, driver):
+    text = "caf\u00e9 \u20ac\r\nsecond line"
+    driver("clipboard-set", text)
+    assert driver("clipboard-text") == text
+    driver("clipboard-set", "")
+    assert driver("clipboard-text") == ""
+
+
+@pytest.fixture
+def installer(make_desk):
+    with make_desk() as desk:
+        yield Installer(desk, BINARIES, "C:\\Set ups\\setup.exe")
+
+
+def test_the_installer_notes_what_it_was_started_with_and_does_it(installer):
+    ask = installer.desk.driver
+    command = f'"{installer.path}"  /S "two words" /write:2 /delete:{KEY} %windir% /exit:3 '
+    ask("reg-create", "HKCU", 64, f"Software\\{UNINSTALL}\\{KEY}")
+    pid = ask("start", command)
+    assert ask("wait-exit", pid, 20000) == 3
+    assert installer.lines() == [command]
+    assert [key["name"] for key in ask("reg-keys", "HKCU", 64, f"Software\\{UNINSTALL}")] == [
+        "Written 1", "Written 2"]
+
+
+def test_the_installer_waits_leaves_work_to_a_second_one_and_does_what_its_file_says(installer):
+    ask = installer.desk.driver
+    assert ask("wait-exit", ask("start", f'"{installer.path}" /again /window:Working /wait:go'),
+               20000) == 0
+    installer.wait_for_starts("/again /window:Working /wait:go", "/window:Working /wait:go")
+    (second,) = installer.running()
+    ask("wait-window", second, "", "Working", 20000)
+    ask("event-set", "go")
+    assert ask("wait-exit", second, 20000) == 0
+    installer.always("/exit:5", "/forever")
+    assert ask("wait-exit", ask("start", f'"{installer.path}" /n'), 20000) == 5

@@ -20,5 +20,6 @@ std::span<const Command> list_commands();
 std::span<const Command> process_commands();
 std::span<const Command> registry_commands();
 std::span<const Command> probe_commands();
+std::span<const Command> clipboard_commands();
 
 }  // namespace driver

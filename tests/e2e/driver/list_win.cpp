@@ -153,6 +153,16 @@ void read_column(const Words& words, Json& answer) {
   answer.end_array();
 }
 
+/// list-images DIALOG ID: the image index of each row, from the top.
+void read_images(const Words& words, Json& answer) {
+  const ForeignList list(control_of(words));
+  const int64_t count = list.count();
+  answer.begin_array();
+  for (int64_t row = 0; row < count; ++row)
+    answer.number(list.item(row).iImage);
+  answer.end_array();
+}
+
 /// list-state DIALOG ID
 void read_state(const Words& words, Json& answer) {
   const HWND list = control_of(words);
@@ -186,6 +196,17 @@ void cell_rect(const Words& words, Json& answer) {
   answer.end_object();
 }
 
+/// list-icon-rect DIALOG ID ROW: on the screen.
+void icon_rect(const Words& words, Json& answer) {
+  const HWND window = control_of(words);
+  const ForeignList list(window);
+  const RECT rect = list.rect(window, LVM_GETITEMRECT, static_cast<WPARAM>(words.number(3)),
+                              RECT{LVIR_ICON, 0, 0, 0});
+  answer.begin_object();
+  write_rect(answer, "screen", rect);
+  answer.end_object();
+}
+
 /// header-rect DIALOG ID COLUMN: on the screen.
 void header_rect(const Words& words, Json& answer) {
   const ForeignList list(control_of(words));
@@ -199,7 +220,7 @@ void header_rect(const Words& words, Json& answer) {
 constexpr Command kCommands[] = {
     {"list-columns", read_columns}, {"list-column", read_column}, {"list-rows", read_rows},
     {"list-state", read_state},     {"list-select", select_row},  {"list-cell-rect", cell_rect},
-    {"header-rect", header_rect},
+    {"list-icon-rect", icon_rect},  {"list-images", read_images}, {"header-rect", header_rect},
 };
 
 }  // namespace

@@ -16,6 +16,14 @@ void announce_popup(HWND window, HMENU popup, int position, bool is_system_menu)
                MAKELPARAM(position, is_system_menu));
 }
 
+/// Where an item stands on the screen; only while its menu is open.
+void write_place(Json& answer, HMENU menu, int position) {
+  RECT place{};
+  if (!GetMenuItemRect(nullptr, menu, static_cast<UINT>(position), &place)) return;
+  answer.key("screen").begin_array().number(place.left).number(place.top).number(place.right);
+  answer.number(place.bottom).end_array();
+}
+
 void write_items(Json& answer, HWND window, HMENU menu, bool is_system_menu) {
   answer.begin_array();
   for (int position = 0; position < GetMenuItemCount(menu); ++position) {
@@ -30,6 +38,7 @@ void write_items(Json& answer, HWND window, HMENU menu, bool is_system_menu) {
     answer.flag("separator", (item.fType & MFT_SEPARATOR) != 0);
     answer.flag("gray", (item.fState & MFS_GRAYED) != 0);
     answer.flag("checked", (item.fState & MFS_CHECKED) != 0);
+    write_place(answer, menu, position);
     if (item.hSubMenu != nullptr) {
       announce_popup(window, item.hSubMenu, position, is_system_menu);
       answer.key("items");
