@@ -19,7 +19,7 @@ class Files {
   /// full path; none if nothing is found or the path doesn't fit.
   virtual std::optional<String> search_path(const char* name, const char* extension) = 0;
   /// ExpandEnvironmentStringsA into a buffer of `limit` characters, the terminator counted; none
-  /// if it fails or doesn't fit.
+  /// if it fails or doesn't fit, as a text of more than 32,000 characters always does.
   virtual std::optional<String> expand_environment(const char* text, size_t limit) = 0;
   /// GetSystemDirectoryA into a buffer of 260 characters: no separator at the end; none if it fails
   /// or doesn't fit.

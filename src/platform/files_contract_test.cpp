@@ -178,6 +178,15 @@ TEST_P(FilesContract, ExpandsOnlyWhatFitsWithItsTerminator) {
   }
 }
 
+TEST_P(FilesContract, ExpandsNoEndlessText) {
+  for (const size_t length : {32000U, 32001U, 32765U, 32766U, 32767U, 32768U, 65535U, 70000U}) {
+    SCOPED_TRACE(length);
+    EXPECT_EQ(expand(std::string(length, 'x')), "-");
+    EXPECT_EQ(expand(std::string(length, 'x'), 100000),
+              length > 32000 ? "-" : std::string(length, 'x'));
+  }
+}
+
 TEST_P(FilesContract, KnowsTheSystemsFolder) {
   const auto folder = bed().files().system_folder();
   ASSERT_TRUE(folder);

@@ -1,5 +1,6 @@
 #include <windows.h>
 
+#include <cstring>
 #include <string>
 
 #include "orlo/kernel_handles.h"
@@ -12,6 +13,10 @@ struct FindTraits {
   static Handle invalid() noexcept { return INVALID_HANDLE_VALUE; }
   static void close(Handle handle) noexcept { FindClose(handle); }
 };
+
+// The system counts the bytes of a text's 16-bit form in 16 bits; what is longer comes out as
+// anything.
+constexpr size_t kLongestToExpand = 32000;
 
 class SystemFiles final : public Files {
  public:
@@ -35,6 +40,7 @@ class SystemFiles final : public Files {
   }
 
   std::optional<String> expand_environment(const char* text, size_t limit) override {
+    if (std::strlen(text) > kLongestToExpand) return std::nullopt;
     // Some systems want room for one character more than the text has; the promised limit is
     // looked at below.
     std::string buffer(limit + 2, '\0');

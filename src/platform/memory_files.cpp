@@ -12,6 +12,7 @@ namespace {
 
 // The buffer that results of the search have to fit into, terminator included.
 constexpr size_t kPathBuffer = 260;
+constexpr size_t kLongestToExpand = 32000;
 
 /// The code page's characters in upper case; one byte is one character.
 std::array<char, 256> upper_table() {
@@ -132,6 +133,7 @@ std::optional<String> MemoryFiles::search_path(const char* name, const char* ext
 
 std::optional<String> MemoryFiles::expand_environment(const char* text, size_t limit) {
   if (!enter("expand_environment", text)) return std::nullopt;
+  if (std::string_view(text).size() > kLongestToExpand) return std::nullopt;
   std::string result;
   for (std::string_view rest = text; !rest.empty();) {
     const size_t end = rest.front() == '%' ? rest.find('%', 1) : std::string_view::npos;

@@ -317,6 +317,7 @@ TEST(MemoryRegistry, FailsToDeleteByNameAndByWholePath) {
   EXPECT_EQ(registry.delete_key(kCurrentUser, "a\\b"), kRegSuccess);
   EXPECT_EQ(registry.delete_key(kCurrentUser, "a\\b"), kRegFileNotFound);
   EXPECT_EQ(registry.calls(), std::vector<std::string>(4, "delete_key a\\b"));
+  EXPECT_EQ(registry.delete_key(77, "a"), kRegInvalidHandle);
 }
 
 TEST(MemoryRegistry, StampsTheKeyAboveOneThatIsDeleted) {

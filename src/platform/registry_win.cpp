@@ -1,9 +1,15 @@
 #include <windows.h>
 
+#include <cstring>
+
 #include "orlo/thread.h"
 #include "platform/registry.h"
 
 namespace {
+
+// The system counts the bytes of a path's 16-bit form in 16 bits: a longer one would lead to
+// another key.
+constexpr size_t kLongestPath = 32000;
 
 HKEY native(const RegistryKey& key) {
   return static_cast<HKEY>(key.handle());
@@ -86,6 +92,7 @@ class SystemRegistry final : public Registry {
 
   RegStatus delete_key(int32_t root, const char* path) override {
     if (names_no_key(path)) return kRegAccessDenied;
+    if (std::strlen(path) > kLongestPath) return kRegFileNotFound;
     return status_of(RegDeleteKeyA(predefined(root), path));
   }
 

@@ -3,6 +3,7 @@
 
 #include "orlo/kernel_handles.h"
 #include "platform/shell_test_support.h"
+#include "platform/shell_win_test_support.h"
 
 namespace {
 
@@ -14,34 +15,17 @@ std::string temp_path(const std::string& name) {
   return std::string(folder, length) + "zolvane-" + std::to_string(GetCurrentProcessId()) + name;
 }
 
-/// A pipe that a program can be told to read: it runs until the pipe is closed.
-class Pipe {
- public:
-  Pipe()
-      : name_("\\\\.\\pipe\\zolvane-shell-" + std::to_string(GetCurrentProcessId())),
-        server_(CreateNamedPipeA(name_.c_str(), PIPE_ACCESS_OUTBOUND, PIPE_TYPE_BYTE,
-                                 PIPE_UNLIMITED_INSTANCES, 64, 64, 0, nullptr)) {
-    EXPECT_TRUE(server_);
-  }
-  const std::string& name() const { return name_; }
-  void close() { server_.reset(); }
-
- private:
-  const std::string name_;
-  ORLO::OwnedFile server_;
-};
-
 class SystemShellBed final : public ShellBed {
  public:
   Shell& shell() override { return *shell_; }
   ShellTarget short_program() override { return {"cmd.exe", "/c exit"}; }
-  ShellTarget long_program() override { return {"cmd.exe", "/c type " + pipe_.name()}; }
-  void end_programs() override { pipe_.close(); }
+  ShellTarget long_program() override { return {"cmd.exe", held_.arguments()}; }
+  void end_programs() override { held_.end(); }
   ShellTarget missing_file() override { return {temp_path("\\none.exe"), ""}; }
 
  private:
   const std::unique_ptr<Shell> shell_ = make_system_shell();
-  Pipe pipe_;
+  HeldProgram held_;
 };
 
 DWORD exit_code(const ORLO::Waitable& process) {
