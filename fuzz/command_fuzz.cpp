@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string>
 
+#include "actions/shell_command.h"
 #include "inventory/text_helpers.h"
 #include "platform/memory_files.h"
 
@@ -44,5 +45,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   } else {
     demand(files.is_file(command.path.c_str()));
   }
+  const ShellCommand shell = ShellCommand::parse(text, files);
+  demand(std::strcmp(shell.start(nullptr).file, shell.target().c_str()) == 0);
   return 0;
 }

@@ -52,22 +52,6 @@ bool starts_with_nocase(const char* text, const char* start) {
 
 }  // namespace
 
-bool canUninstall(const UninstallEntry* entry) noexcept {
-  return entry != nullptr && entry->noRemove == 0 && (!entry->uninstallCmd.empty() || entry->MSI);
-}
-
-bool canModify(const UninstallEntry* entry) noexcept {
-  return entry != nullptr && entry->noModify == 0 && (!entry->modifyCmd.empty() || entry->MSI);
-}
-
-bool canRepair(const UninstallEntry* entry) noexcept {
-  return entry != nullptr && entry->MSI && entry->noModify == 0;
-}
-
-bool canRemoveEntry(const UninstallEntry* entry) noexcept {
-  return entry != nullptr && entry->HKEY_ROOT != 0;
-}
-
 bool can_run(unsigned command, const CommandContext& context) noexcept {
   const auto* const rule = std::find_if(std::begin(kRules), std::end(kRules),
                                         [&](const auto& row) { return row.command == command; });

@@ -1,6 +1,7 @@
 // Which commands can do something for the package that is chosen.
 #pragma once
 
+#include "actions/package_actions.h"
 #include "inventory/entry.h"
 
 /// What commands depend on.
@@ -10,12 +11,6 @@ struct CommandContext {
   bool has_orca = false;                    ///< there is an editor for MSI files
   bool under_wow64 = false;
 };
-
-bool canUninstall(const UninstallEntry* entry) noexcept;
-bool canModify(const UninstallEntry* entry) noexcept;
-bool canRepair(const UninstallEntry* entry) noexcept;
-/// Only what stands in a registry key of its own can be removed from there.
-bool canRemoveEntry(const UninstallEntry* entry) noexcept;
 
 /// Whether a command of the main window can do anything; where it can't, it is grey.
 bool can_run(unsigned command, const CommandContext& context) noexcept;

@@ -8,13 +8,6 @@
 
 namespace {
 
-UninstallEntry with_commands() {
-  UninstallEntry entry;
-  entry.uninstallCmd = "un.exe";
-  entry.modifyCmd = "mod.exe";
-  return entry;
-}
-
 TEST(PackageCommands, NothingCanBeDoneWithoutAPackage) {
   constexpr unsigned kCommands[] = {IDC_UNINSTALL,  IDC_MODIFY,        IDC_REPAIR,
                                     ID_REMOVE,      ID_PATCHES,        ID_FEATURES,
@@ -25,51 +18,24 @@ TEST(PackageCommands, NothingCanBeDoneWithoutAPackage) {
   }
 }
 
-TEST(PackageCommands, UninstallAndModifyNeedACommandOrTheInstaller) {
+TEST(PackageCommands, ActionsFollowWhatThePackageAllows) {
   UninstallEntry entry;
-  EXPECT_FALSE(canUninstall(&entry));
-  EXPECT_FALSE(canModify(&entry));
-  entry = with_commands();
-  EXPECT_TRUE(canUninstall(&entry));
-  EXPECT_TRUE(canModify(&entry));
-  EXPECT_FALSE(canRepair(&entry));
-  entry = UninstallEntry();
+  constexpr unsigned kCommands[] = {IDC_UNINSTALL, IDC_MODIFY, IDC_REPAIR, ID_REMOVE};
+  for (const unsigned command : kCommands)
+    EXPECT_FALSE(can_run(command, {&entry}));
   entry.MSI = true;
-  EXPECT_TRUE(canUninstall(&entry));
-  EXPECT_TRUE(canModify(&entry));
-  EXPECT_TRUE(canRepair(&entry));
-}
-
-TEST(PackageCommands, OneCommandDoesNotStandForTheOther) {
-  UninstallEntry entry;
-  entry.uninstallCmd = "un.exe";
-  EXPECT_TRUE(canUninstall(&entry));
-  EXPECT_FALSE(canModify(&entry));
-  entry = UninstallEntry();
-  entry.modifyCmd = "mod.exe";
-  EXPECT_FALSE(canUninstall(&entry));
-  EXPECT_TRUE(canModify(&entry));
-}
-
-TEST(PackageCommands, WhatIsForbiddenCannotBeDone) {
-  UninstallEntry entry = with_commands();
-  entry.MSI = true;
+  entry.HKEY_ROOT = 1;
+  for (const unsigned command : kCommands)
+    EXPECT_TRUE(can_run(command, {&entry}));
   entry.noRemove = 1;
-  EXPECT_FALSE(canUninstall(&entry));
-  EXPECT_TRUE(canModify(&entry));
+  EXPECT_FALSE(can_run(IDC_UNINSTALL, {&entry}));
+  EXPECT_TRUE(can_run(IDC_MODIFY, {&entry}));
+  EXPECT_TRUE(can_run(IDC_REPAIR, {&entry}));
   entry.noRemove = 0;
   entry.noModify = 1;
-  EXPECT_TRUE(canUninstall(&entry));
-  EXPECT_FALSE(canModify(&entry));
-  EXPECT_FALSE(canRepair(&entry));
-}
-
-TEST(PackageCommands, OnlyAnEntryWithARootCanBeRemoved) {
-  UninstallEntry entry;
-  EXPECT_FALSE(canRemoveEntry(&entry));
-  entry.HKEY_ROOT = -2147483646;
-  EXPECT_TRUE(canRemoveEntry(&entry));
-  EXPECT_TRUE(can_run(ID_REMOVE, {&entry}));
+  EXPECT_TRUE(can_run(IDC_UNINSTALL, {&entry}));
+  EXPECT_FALSE(can_run(IDC_MODIFY, {&entry}));
+  EXPECT_FALSE(can_run(IDC_REPAIR, {&entry}));
 }
 
 TEST(PackageCommands, TheContextMenuFollowsWhatThePackageHas) {

@@ -1,0 +1,121 @@
+#include "actions/package_actions.h"
+
+#include <cstring>
+#include <utility>
+
+#include "actions/shell_command.h"
+#include "orlo/exception.h"
+
+namespace {
+
+// What a box can show of one name.
+constexpr size_t kNameInBox = 500;
+constexpr char kEllipsis[] = "...";
+
+String shortened(const String& text) {
+  if (text.length() <= kNameInBox) return text;
+  const size_t kept = kNameInBox - std::strlen(kEllipsis);
+  return String(text.c_str(), kept, kEllipsis, std::strlen(kEllipsis));
+}
+
+/// Some products register the command that installs them.
+bool installs(const String& command) {
+  return std::strstr(command.c_str(), " /I{") != nullptr;
+}
+
+String uninstall_command(const UninstallEntry& entry) {
+  const bool by_installer = entry.MSI && entry.noRemove == 0 &&
+                            (entry.uninstallCmd.empty() || installs(entry.uninstallCmd));
+  return by_installer ? String::formatted("msiexec.exe /x %#s", entry.name) : entry.uninstallCmd;
+}
+
+String modify_command(const UninstallEntry& entry) {
+  const bool by_installer = entry.MSI && entry.noModify == 0 && entry.modifyCmd.empty();
+  return by_installer ? String::formatted("msiexec.exe /i %#s", entry.name) : entry.modifyCmd;
+}
+
+}  // namespace
+
+bool canUninstall(const UninstallEntry* entry) noexcept {
+  return entry != nullptr && entry->noRemove == 0 && (!entry->uninstallCmd.empty() || entry->MSI);
+}
+
+bool canModify(const UninstallEntry* entry) noexcept {
+  return entry != nullptr && entry->noModify == 0 && (!entry->modifyCmd.empty() || entry->MSI);
+}
+
+bool canRepair(const UninstallEntry* entry) noexcept {
+  return entry != nullptr && entry->MSI && entry->noModify == 0;
+}
+
+bool canRemoveEntry(const UninstallEntry* entry) noexcept {
+  return entry != nullptr && entry->HKEY_ROOT != 0;
+}
+
+PackageActions::PackageActions(const Parts& parts, ActionTexts texts, Wait wait)
+    : parts_(parts), texts_(std::move(texts)), wait_(wait) {}
+
+void PackageActions::uninstall(const UninstallEntry& entry) {
+  if (!agreed(texts_.ask_uninstall, entry, "Uninstallation")) return;
+  const unsigned before = parts_.frame.refreshCount();
+  if (!run_and_wait(uninstall_command(entry))) return;
+  // A change notice may have asked for a refresh while the installer ran.
+  if (parts_.frame.refreshCount() == before) parts_.frame.requestRefresh();
+}
+
+void PackageActions::modify(const UninstallEntry& entry) {
+  if (run_and_wait(modify_command(entry))) parts_.frame.requestRefresh();
+}
+
+void PackageActions::repair(const UninstallEntry& entry) {
+  if (!canRepair(&entry) || !agreed(texts_.ask_repair, entry, "Repair")) return;
+  if (run_and_wait(String::formatted("msiexec.exe /f %#s", entry.name))) {
+    parts_.frame.requestRefresh();
+  }
+}
+
+void PackageActions::remove(const UninstallEntry& entry) {
+  // The title is the same in each language.
+  if (!agreed(texts_.ask_remove, entry, "Entfernen des Registry-Eintrags")) return;
+  if (!canRemoveEntry(&entry)) return;
+  const RegStatus status = delete_entry(entry);
+  if (status == kRegSuccess) {
+    parts_.frame.requestRefresh();
+  } else {
+    parts_.frame.warn(ORLO::SDKException(status).what(), texts_.exception);
+  }
+}
+
+/// False too if the window has been closed meanwhile: its end answers boxes as it likes.
+bool PackageActions::agreed(const String& format, const UninstallEntry& entry, const char* title) {
+  const String text =
+      String::formatted(format.c_str(), shortened(entry.displayName), shortened(entry.name));
+  return parts_.frame.confirm(text, title) && !parts_.frame.closing();
+}
+
+/// Whether a refresh may follow, be it that nothing could be started. A window that closes or a
+/// program that is to quit is left alone.
+bool PackageActions::run_and_wait(const String& command) {
+  const ShellCommand parsed = ShellCommand::parse(command, parts_.files);
+  const Shell::Started started = parts_.shell.open_process(parsed.start(parts_.frame.owner()));
+  if (started.process != nullptr && !wait_for_end(*started.process)) return false;
+  return !parts_.frame.closing();
+}
+
+/// False if the program is to quit.
+bool PackageActions::wait_for_end(ORLO::Waitable& process) {
+  ORLO::Waitable* const items[] = {&process, &closeEvent};
+  int result = ORLO::kWaitOvertaken;
+  while (result == ORLO::kWaitOvertaken)
+    result = wait_(items, 2, ORLO::kInfinite);
+  if (result == 1) closeEvent.set();
+  return result != ORLO::kWaitQuit;
+}
+
+RegStatus PackageActions::delete_entry(const UninstallEntry& entry) {
+  // Without a name the path would lead to the key of all packages.
+  if (names_no_key(entry.keyName.c_str())) return kRegFileNotFound;
+  const String path = String::formatted(
+      "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\%s", entry.keyName);
+  return parts_.registry.delete_key(entry.HKEY_ROOT, path.c_str());
+}
