@@ -1,6 +1,7 @@
 """The pieces that the tests stand on: a screen, a template prefix, desks with seeded prefixes."""
 
 import contextlib
+import functools
 import os
 from pathlib import Path
 
@@ -72,21 +73,27 @@ def binaries():
         assert (BINARIES / name).exists(), f"{BINARIES / name} isn't built"
 
 
+@contextlib.contextmanager
+def desk_on(screen, template, keys=(), usages=None, files=(), lc_all=ENGLISH, dpi=None):
+    """A Desk on a screen, cleared away at the end. `dpi`: the resolution that the prefix tells of
+    any screen."""
+    with contextlib.ExitStack() as stack:
+        prefix = stack.enter_context(contextlib.closing(Prefix(template, screen.env, lc_all)))
+        for file in files:
+            prefix.make_file(file)
+        if keys or usages:
+            prefix.import_registry(registry.reg_text(keys, usages))
+        if dpi is not None:
+            prefix.import_registry(registry.resolution_text(dpi))
+        driver = stack.enter_context(contextlib.closing(Driver(
+            BINARIES / "zolvane-driver.exe",
+            dict(prefix.env, WINEDEBUG=trace.current.channels),
+            stack.enter_context(trace.current.open()))))
+        yield Desk(screen, prefix, driver, BINARIES / "zolvane.exe")
+
+
 @pytest.fixture(scope="session")
 def make_desk(screen, template):
-    """A context manager: make_desk(keys, usages, files, lc_all) gives a Desk and clears it away."""
-    @contextlib.contextmanager
-    def make(keys=(), usages=None, files=(), lc_all=ENGLISH):
-        with contextlib.ExitStack() as stack:
-            prefix = stack.enter_context(contextlib.closing(
-                Prefix(template, screen.env, lc_all)))
-            for file in files:
-                prefix.make_file(file)
-            if keys or usages:
-                prefix.import_registry(registry.reg_text(keys, usages))
-            driver = stack.enter_context(contextlib.closing(Driver(
-                BINARIES / "zolvane-driver.exe",
-                dict(prefix.env, WINEDEBUG=trace.current.channels),
-                stack.enter_context(trace.current.open()))))
-            yield Desk(screen, prefix, driver, BINARIES / "zolvane.exe")
-    return make
+    """A context manager: make_desk(keys, usages, files, lc_all, dpi) gives a Desk and clears it
+    away."""
+    return functools.partial(desk_on, screen, template)

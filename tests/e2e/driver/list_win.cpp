@@ -36,6 +36,12 @@ class ForeignList {
     return block_.read_text(kRecord, kTextLimit);
   }
 
+  /// Pixels that a text takes in the list's font.
+  LRESULT text_width(const std::string& text) const {
+    block_.write(text.c_str(), text.size() + 1);
+    return send(list_, LVM_GETSTRINGWIDTHA, 0);
+  }
+
   LVITEMA item(int64_t row) const {
     LVITEMA item{};
     item.mask = LVIF_PARAM | LVIF_IMAGE | LVIF_STATE;
@@ -207,6 +213,11 @@ void icon_rect(const Words& words, Json& answer) {
   answer.end_object();
 }
 
+/// list-text-width DIALOG ID TEXT
+void text_width(const Words& words, Json& answer) {
+  answer.number(ForeignList(control_of(words)).text_width(words.text(3)));
+}
+
 /// header-rect DIALOG ID COLUMN: on the screen.
 void header_rect(const Words& words, Json& answer) {
   const ForeignList list(control_of(words));
@@ -218,9 +229,10 @@ void header_rect(const Words& words, Json& answer) {
 }
 
 constexpr Command kCommands[] = {
-    {"list-columns", read_columns}, {"list-column", read_column}, {"list-rows", read_rows},
-    {"list-state", read_state},     {"list-select", select_row},  {"list-cell-rect", cell_rect},
-    {"list-icon-rect", icon_rect},  {"list-images", read_images}, {"header-rect", header_rect},
+    {"list-columns", read_columns},  {"list-column", read_column}, {"list-rows", read_rows},
+    {"list-state", read_state},      {"list-select", select_row},  {"list-cell-rect", cell_rect},
+    {"list-icon-rect", icon_rect},   {"list-images", read_images}, {"header-rect", header_rect},
+    {"list-text-width", text_width},
 };
 
 }  // namespace

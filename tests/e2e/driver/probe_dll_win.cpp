@@ -69,6 +69,18 @@ struct ReleaseDcOf {
   void operator()(HDC context) const { ReleaseDC(window, context); }
 };
 
+/// The part of a control that its text may fill; a text field has margins.
+RECT room_of(HWND control) {
+  RECT room{};
+  GetClientRect(control, &room);
+  char window_class[64] = "";
+  GetClassNameA(control, window_class, sizeof window_class);
+  if (std::strcmp(window_class, "Edit") == 0) {
+    SendMessageA(control, EM_GETRECT, 0, reinterpret_cast<LPARAM>(&room));
+  }
+  return room;
+}
+
 /// Each control's text as the program's own font draws it on one line, beside the room it has.
 void write_extent(Json& answer, HWND control) {
   const std::unique_ptr<HDC__, ReleaseDcOf> context(GetDC(control), ReleaseDcOf{control});
@@ -80,11 +92,11 @@ void write_extent(Json& answer, HWND control) {
   GetWindowTextA(control, text, sizeof text);
   RECT needed{};
   DrawTextA(context.get(), text, -1, &needed, DT_SINGLELINE | DT_CALCRECT);
-  RECT room{};
-  GetClientRect(control, &room);
+  const RECT room = room_of(control);
   answer.begin_object().member("id", GetDlgCtrlID(control)).member("text", text);
   answer.member("width", needed.right).member("height", needed.bottom);
-  answer.member("room_width", room.right).member("room_height", room.bottom);
+  answer.member("room_width", room.right - room.left);
+  answer.member("room_height", room.bottom - room.top);
   answer.member("face", face).end_object();
 }
 

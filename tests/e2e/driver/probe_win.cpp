@@ -93,7 +93,7 @@ void read_system_menu(const Words& words, Json& answer) {
   ask(words, ProbeQuestion::system_menu, answer);
 }
 
-/// text-extents DIALOG: for each child the size of its text and of its client area.
+/// text-extents DIALOG: for each child the size of its text and of the room for it.
 void read_extents(const Words& words, Json& answer) {
   ask(words, ProbeQuestion::text_extents, answer);
 }

@@ -3,7 +3,6 @@
 import time
 
 from .driver import DriverError
-from .screen import SIZE
 
 WINDOW_LIMIT = 60
 WINDOW_CLASS = "#32770"
@@ -174,7 +173,8 @@ class Program:
         """Maximised for good, and on the screen too, where the mouse acts."""
         self._size_for_good(SC_MAXIMIZE)
         eventually(lambda: self.window()["zoomed"]
-                   and self._screen.frame_of(TITLE) == (0, 0, *SIZE), "it is maximised")
+                   and self._screen.frame_of(TITLE) == (0, 0, *self._screen.size),
+                   "it is maximised")
 
     def _size_for_good(self, command):
         """Wine makes a dialog's window a normal one when its loop first finds the queue empty or

@@ -88,3 +88,10 @@ def reg_text(keys, usages=None):
         lines.append(f"[{SOFTWARE['local']}\\{USAGE_CACHE}\\{name}]")
         lines += [_line("SlowInfoCache", (BINARY, usage_bytes(usage))), ""]
     return "\r\n".join(lines)
+
+
+def resolution_text(dpi):
+    """A .reg text by which the system takes every screen for one of so many dots per inch."""
+    return "\r\n".join(["Windows Registry Editor Version 5.00", "",
+                        r"[HKEY_CURRENT_USER\Control Panel\Desktop]",
+                        _line("LogPixels", dpi), ""])

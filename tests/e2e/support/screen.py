@@ -12,10 +12,11 @@ SIZE = (1280, 1024)
 
 
 class Screen:
-    def __init__(self):
+    def __init__(self, size=SIZE):
+        self.size = size
         read_end, write_end = os.pipe()
         self._server = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{SIZE[0]}x{SIZE[1]}x24",
+            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{size[0]}x{size[1]}x24",
              "-nolisten", "tcp"],
             pass_fds=[write_end], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         os.close(write_end)
@@ -36,7 +37,7 @@ class Screen:
 
     def picture(self, save_to=None):
         """What the screen shows; also as a PNG file where a path is given."""
-        picture = Picture.of_root(self.env, SIZE)
+        picture = Picture.of_root(self.env, self.size)
         if save_to is not None:
             picture.save(save_to)
         return picture
