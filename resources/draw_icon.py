@@ -1,7 +1,9 @@
 #!/usr/bin/env python3
-"""Draws zolvane.ico: a parcel with a tick. Each size has a drawing of its own, on its own pixel grid.
+"""Draws zolvane.ico, a parcel with a tick: each size has a drawing of its own, on its own pixel grid.
+And packages.bmp with packages_mask.bmp, the small pictures of packages, side by side: any package,
+an installed one, a missing one. Their mask is of one bit, so they are drawn pixel by pixel.
 
-Usage: draw_icon.py [OUTPUT]   (default: zolvane.ico beside this script)
+Usage: draw_icon.py [FOLDER]   (default: the one of this script)
 """
 import pathlib
 import struct
@@ -197,10 +199,110 @@ def icon(images):
     return data + b"".join(picture for _, picture in images)
 
 
+# What the letters of the pixel drawings stand for; a dot is see-through.
+INKS = {
+    "o": OUTLINE, "l": LID, "f": FRONT, "s": SHADE, "t": TAPE,
+    "O": (0x5C, 0x5C, 0x5C), "L": (0xE4, 0xE4, 0xE4), "F": (0xC8, 0xC8, 0xC8),
+    "S": (0xB0, 0xB0, 0xB0), "T": (0xF4, 0xF4, 0xF4),
+    "d": (0x0D, 0x54, 0x41), "g": BADGE, "w": TICK,
+    "D": (0x7C, 0x14, 0x14), "r": (0xC8, 0x2C, 0x2C),
+}
+
+PARCEL = """
+................
+...oooooooooo...
+..ollllttllllo..
+..ollllttllllo..
+.olllllttlllllo.
+.oooooooooooooo.
+.offfffttfffffo.
+.offfffttfffffo.
+.offfffttfffffo.
+.offffffffffffo.
+.offffffffffffo.
+.offffffffffffo.
+.offffffffffffo.
+.osssssssssssso.
+.oooooooooooooo.
+................
+""".split()
+
+TICKED = """
+..ddddd..
+.dgggggd.
+dggggggwd
+dgggggwwd
+dwgggwwgd
+dwwgwwggd
+dgwwwgggd
+.dgwgggd.
+..ddddd..
+""".split()
+
+CROSSED = """
+..DDDDD..
+.DrrrrrD.
+DrwrrrwrD
+DrwwrwwrD
+DrrwwwrrD
+DrwwrwwrD
+DrwrrrwrD
+.DrrrrrD.
+..DDDDD..
+""".split()
+
+
+def greyed(drawing):
+    return [line.translate(str.maketrans("olfst", "OLFST")) for line in drawing]
+
+
+def badged(drawing, badge):
+    """The badge covers the lower right corner."""
+    rows = [list(line) for line in drawing]
+    top, left = len(rows) - len(badge), len(rows[0]) - len(badge[0])
+    for y, line in enumerate(badge):
+        for x, ink in enumerate(line):
+            if ink != ".":
+                rows[top + y][left + x] = ink
+    return ["".join(row) for row in rows]
+
+
+def packages():
+    """The three drawings as one, from left to right."""
+    drawings = [PARCEL, badged(PARCEL, TICKED), badged(greyed(PARCEL), CROSSED)]
+    return ["".join(lines) for lines in zip(*drawings)]
+
+
+def bitmap_file(rows, width, bits, palette):
+    """`rows`: encoded, from the top down, each of whole bytes."""
+    offset = 14 + 40 + len(palette)
+    data = b"".join(row + bytes(-len(row) % 4) for row in reversed(rows))
+    header = struct.pack("<2sIHHI", b"BM", offset + len(data), 0, 0, offset)
+    colors = len(palette) // 4
+    info = struct.pack("<IiiHHIIiiII", 40, width, len(rows), 1, bits, 0, len(data), 0, 0, colors, 0)
+    return header + info + palette + data
+
+
+def color_bitmap(drawing):
+    """Black where it is see-through, as drawing by a mask wants it."""
+    rows = [b"".join(bytes(reversed(INKS.get(ink, (0, 0, 0)))) for ink in line) for line in drawing]
+    return bitmap_file(rows, len(drawing[0]), 24, b"")
+
+
+def mask_bitmap(drawing):
+    """White where it is see-through."""
+    width = len(drawing[0])
+    rows = [int("".join("1" if ink == "." else "0" for ink in line), 2).to_bytes(width // 8, "big")
+            for line in drawing]
+    return bitmap_file(rows, width, 1, bytes((0, 0, 0, 0, 255, 255, 255, 0)))
+
+
 def main():
-    output = pathlib.Path(sys.argv[1]) if len(sys.argv) > 1 else (
-        pathlib.Path(__file__).with_name("zolvane.ico"))
-    output.write_bytes(icon([
+    here = pathlib.Path(__file__).parent
+    folder = pathlib.Path(sys.argv[1]) if len(sys.argv) > 1 else here
+    (folder / "packages.bmp").write_bytes(color_bitmap(packages()))
+    (folder / "packages_mask.bmp").write_bytes(mask_bitmap(packages()))
+    (folder / "zolvane.ico").write_bytes(icon([
         (16, bitmap(render(small(), 16, 8))),
         (32, bitmap(render(medium(), 32, 8))),
         (48, bitmap(render(large(), 48, 8))),

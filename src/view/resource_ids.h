@@ -4,6 +4,10 @@
 // Icons
 #define IDI_ZOLVANE 116
 
+// Bitmaps
+#define IDB_PACKAGES 119
+#define IDB_PACKAGES_MASK 120
+
 // Dialogs
 #define IDD_ABOUT 100
 #define IDD_MAIN 102
