@@ -8,6 +8,7 @@
 #include "orlo/dlg_controller.h"
 #include "platform/memory_files.h"
 #include "platform/memory_registry.h"
+#include "platform/memory_shell.h"
 #include "view/resource_ids.h"
 #include "view/uninstall_dlg.h"
 
@@ -35,14 +36,15 @@ void seed(MemoryRegistry& registry) {
   }
 }
 
-HWND open_window(const Resources& resources, MemoryRegistry& registry, MemoryFiles& files) {
+HWND open_window(const Resources& resources, MemoryRegistry& registry, MemoryFiles& files,
+                 MemoryShell& shell) {
   UninstallPara para;
   para.noPersist = true;
   const HWND window = ORLO::Dialog::DoModeless(
       resources.module(), resources.dialog(IDD_MAIN), nullptr, [&](HWND made) {
         return std::make_unique<UninstallDlg>(
             made, std::make_unique<UninstallDlgPara>(para), resources,
-            UninstallReader::Services{registry, files, ORLO::system_clock(), false, [] {}});
+            DialogServices{{registry, files, ORLO::system_clock(), false, [] {}}, shell});
       });
   SetWindowPos(window, nullptr, 0, 0, kWidth, kHeight, SWP_NOZORDER);
   return window;
@@ -81,9 +83,10 @@ int main() {
   InitCommonControls();
   MemoryRegistry registry(MemoryRegistry::View::native);
   MemoryFiles files;
+  MemoryShell shell;
   seed(registry);
   const Resources resources(GetModuleHandleA(nullptr), kEnglish);
-  Window window(open_window(resources, registry, files));
+  Window window(open_window(resources, registry, files, shell));
   if (!window.shows_all()) {
     std::printf("the window doesn't show %d rows\n", kRows);
     return 1;

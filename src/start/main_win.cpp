@@ -4,5 +4,6 @@
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR command_line, int) {
   const auto registry = make_system_registry();
   const auto files = make_system_files();
-  return run_program(instance, command_line, {*registry, *files, ORLO::system_clock()});
+  const auto shell = make_system_shell();
+  return run_program(instance, command_line, {*registry, *files, ORLO::system_clock(), *shell});
 }

@@ -5,12 +5,14 @@
 #include "orlo/orlowin.h"
 #include "platform/files.h"
 #include "platform/registry.h"
+#include "platform/shell.h"
 
 /// What the program stands on; all must outlive it.
 struct ProgramServices {
   Registry& registry;
   Files& files;
   const ORLO::Clock& clock;
+  Shell& shell;
 };
 
 /// Runs from the marks of the process to the end of the main dialog: the process's exit code, 0

@@ -10,7 +10,6 @@ using Entry = UninstallEntry;
 
 constexpr ListControl::Align kLeft = ListControl::Align::left;
 constexpr ListControl::Align kRight = ListControl::Align::right;
-constexpr int kProgramNameColumn = 2;
 constexpr int kParentColumn = 5;
 constexpr int kFeaturesColumn = 17;
 constexpr int kPatchesColumn = 18;

@@ -7,7 +7,9 @@
 #include "view/list_control.h"
 
 inline constexpr int kListColumns = 31;
-/// The column that the list is sorted by at start, and the one that tells changes.
+/// The column of the name, the one that the list is sorted by at start, and the one that tells
+/// changes.
+inline constexpr int kProgramNameColumn = 2;
 inline constexpr int kInstallDateColumn = 6;
 inline constexpr int kChangesColumn = 30;
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <vector>
 
 namespace {
@@ -19,16 +20,21 @@ class ListControllerTest : public testing::Test {
   ~ListControllerTest() override { DestroyWindow(list); }
 
   HWND header() const { return ListView_GetHeader(list); }
+  std::unique_ptr<ListController> make() {
+    return std::make_unique<ListController>(
+        list, [this](POINT point) { asked.push_back(point); }, [this] { ++asked_by_key; });
+  }
   void ask_for_menu(HWND clicked, int x, int y) const {
     SendMessageA(list, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(clicked), MAKELPARAM(x, y));
   }
 
   HWND list = nullptr;
   std::vector<POINT> asked;
+  int asked_by_key = 0;
 };
 
 TEST_F(ListControllerTest, TellsWhereTheHeaderWasClicked) {
-  const ListController controller(list, [this](POINT point) { asked.push_back(point); });
+  const auto controller = make();
   ask_for_menu(header(), 40, 50);
   // A second screen may lie to the left of the first.
   ask_for_menu(header(), -40, -50);
@@ -40,15 +46,27 @@ TEST_F(ListControllerTest, TellsWhereTheHeaderWasClicked) {
 }
 
 TEST_F(ListControllerTest, ARightClickOnTheLinesIsNoneOnTheHeader) {
-  const ListController controller(list, [this](POINT point) { asked.push_back(point); });
+  const auto controller = make();
   ask_for_menu(list, 40, 50);
+  EXPECT_TRUE(asked.empty());
+  EXPECT_EQ(asked_by_key, 0);
+}
+
+TEST_F(ListControllerTest, TellsOfTheMenuKey) {
+  const auto controller = make();
+  ask_for_menu(list, -1, -1);
+  EXPECT_EQ(asked_by_key, 1);
   EXPECT_TRUE(asked.empty());
 }
 
+TEST_F(ListControllerTest, TheKeysThatAskForAMenuDoSo) {
+  const auto controller = make();
+  SendMessageA(list, WM_KEYUP, VK_APPS, 0);
+  EXPECT_EQ(asked_by_key, 1);
+}
+
 TEST_F(ListControllerTest, TheListWorksOnWithoutIt) {
-  {
-    const ListController controller(list, [this](POINT point) { asked.push_back(point); });
-  }
+  { const auto controller = make(); }
   ask_for_menu(header(), 40, 50);
   EXPECT_TRUE(asked.empty());
   EXPECT_EQ(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0), 0);

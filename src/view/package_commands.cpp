@@ -34,7 +34,7 @@ constexpr struct {
      [](const Context& at) {
        return at.current != nullptr && !at.current->installLocation.empty();
      }},
-    {ID_LAUNCH_URL, [](const Context& at) { return at.has_url; }},
+    {ID_LAUNCH_URL, [](const Context& at) { return !at.url.empty(); }},
     {ID_ORCA, [](const Context& at) { return at.has_orca; }},
     {ID_SYSTEM_RESTORE, [](const Context& at) { return !at.under_wow64; }},
     {ID_MSCONFIG, [](const Context& at) { return !at.under_wow64; }},
@@ -62,9 +62,13 @@ bool has_actions(const UninstallEntry& entry) noexcept {
   return std::strcmp(entry.displayName.c_str(), " -->") != 0;
 }
 
-String cell_url(const String& text) {
+String shown_part(const String& text) {
   const char* const start = text.c_str();
-  const String cell(start, start + std::min(std::strlen(start), kCellLimit));
+  return String(start, start + std::min(std::strlen(start), kCellLimit));
+}
+
+String cell_url(const String& text) {
+  const String cell = shown_part(text);
   const char* const seen = cell.c_str();
   if (std::any_of(std::begin(kUrlStarts), std::end(kUrlStarts),
                   [&](const char* url) { return starts_with_nocase(seen, url); })) {

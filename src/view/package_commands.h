@@ -7,7 +7,7 @@
 /// What commands depend on.
 struct CommandContext {
   const UninstallEntry* current = nullptr;  ///< the chosen package, if there is one
-  bool has_url = false;                     ///< the cell that was clicked last leads somewhere
+  String url = String();                    ///< where the cell leads that was clicked last, if so
   bool has_orca = false;                    ///< there is an editor for MSI files
   bool under_wow64 = false;
 };
@@ -18,6 +18,8 @@ bool can_run(unsigned command, const CommandContext& context) noexcept;
 /// Lines that stand for no package have no actions.
 bool has_actions(const UninstallEntry& entry) noexcept;
 
-/// What a cell's text leads to: a web or mail address; empty if it is none. Of a longer text only
-/// the first 259 characters count.
+/// What counts of a cell's text: its first 259 characters.
+String shown_part(const String& text);
+
+/// What the shown part of a cell's text leads to: a web or mail address; empty if it is none.
 String cell_url(const String& text);

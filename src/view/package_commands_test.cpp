@@ -14,7 +14,7 @@ TEST(PackageCommands, NothingCanBeDoneWithoutAPackage) {
                                     ID_MSI_CONTENT, ID_OPEN_WITH_ORCA, ID_OPEN_FOLDER};
   for (const unsigned command : kCommands) {
     SCOPED_TRACE(command);
-    EXPECT_FALSE(can_run(command, {nullptr, true, true, false}));
+    EXPECT_FALSE(can_run(command, {nullptr, "http://x", true, false}));
   }
 }
 
@@ -40,7 +40,7 @@ TEST(PackageCommands, ActionsFollowWhatThePackageAllows) {
 
 TEST(PackageCommands, TheContextMenuFollowsWhatThePackageHas) {
   UninstallEntry entry;
-  const CommandContext at{&entry, false, true, false};
+  const CommandContext at{&entry, "", true, false};
   EXPECT_FALSE(can_run(ID_PATCHES, at));
   EXPECT_FALSE(can_run(ID_FEATURES, at));
   EXPECT_FALSE(can_run(ID_MSI_CONTENT, at));
@@ -62,14 +62,14 @@ TEST(PackageCommands, TheContextMenuFollowsWhatThePackageHas) {
 }
 
 TEST(PackageCommands, ToolsFollowTheSystem) {
-  EXPECT_TRUE(can_run(ID_MSCONFIG, {nullptr, false, false, false}));
-  EXPECT_TRUE(can_run(ID_SYSTEM_RESTORE, {nullptr, false, false, false}));
-  EXPECT_FALSE(can_run(ID_MSCONFIG, {nullptr, false, false, true}));
-  EXPECT_FALSE(can_run(ID_SYSTEM_RESTORE, {nullptr, false, false, true}));
-  EXPECT_FALSE(can_run(ID_ORCA, {nullptr, false, false, false}));
-  EXPECT_TRUE(can_run(ID_ORCA, {nullptr, false, true, false}));
-  EXPECT_FALSE(can_run(ID_LAUNCH_URL, {nullptr, false, false, false}));
-  EXPECT_TRUE(can_run(ID_LAUNCH_URL, {nullptr, true, false, false}));
+  EXPECT_TRUE(can_run(ID_MSCONFIG, {nullptr, "", false, false}));
+  EXPECT_TRUE(can_run(ID_SYSTEM_RESTORE, {nullptr, "", false, false}));
+  EXPECT_FALSE(can_run(ID_MSCONFIG, {nullptr, "", false, true}));
+  EXPECT_FALSE(can_run(ID_SYSTEM_RESTORE, {nullptr, "", false, true}));
+  EXPECT_FALSE(can_run(ID_ORCA, {nullptr, "", false, false}));
+  EXPECT_TRUE(can_run(ID_ORCA, {nullptr, "", true, false}));
+  EXPECT_FALSE(can_run(ID_LAUNCH_URL, {nullptr, "", false, false}));
+  EXPECT_TRUE(can_run(ID_LAUNCH_URL, {nullptr, "http://x", false, false}));
 }
 
 TEST(PackageCommands, OthersCanAlwaysBeGiven) {

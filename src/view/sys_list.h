@@ -40,6 +40,8 @@ class SysListControl : public ListControl {
 
   /// Position of the row with this id, -1 if it isn't shown. The control looks at line by line.
   int find(uint32_t id) const;
+  /// A place on the screen just below a row's icon, not outside the control.
+  POINT below_row(int index) const;
   /// Adds styles such as LVS_EX_GRIDLINES; the others stay as they are.
   void set_extended_style(DWORD styles);
   HWND window() const noexcept { return list_; }

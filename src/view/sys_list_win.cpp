@@ -1,5 +1,6 @@
 #include "view/sys_list.h"
 
+#include <algorithm>
 #include <exception>
 
 namespace {
@@ -171,6 +172,18 @@ void SysListControl::freeze(bool on) {
   if (--frozen_ > 0) return;
   send(WM_SETREDRAW, TRUE);
   InvalidateRect(list_, nullptr, TRUE);
+}
+
+POINT SysListControl::below_row(int index) const {
+  RECT client = {};
+  GetClientRect(list_, &client);
+  RECT icon = {};
+  icon.left = LVIR_ICON;
+  send(LVM_GETITEMRECT, item(index), address(icon));
+  POINT place = {std::clamp(icon.right, client.left, client.right),
+                 std::clamp(icon.bottom, client.top, client.bottom)};
+  ClientToScreen(list_, &place);
+  return place;
 }
 
 void SysListControl::set_extended_style(DWORD styles) {

@@ -4,16 +4,18 @@
 #include <memory>
 #include <optional>
 
-#include "inventory/reader.h"
 #include "inventory/refresh_cycle.h"
 #include "orlo/dialog_mixins.h"
 #include "orlo/flat_button.h"
 #include "orlo/wait_cursor.h"
 #include "orlo/window_handles.h"
+#include "view/action_commands.h"
+#include "view/clicked_cell.h"
+#include "view/dialog_frame.h"
+#include "view/dialog_services.h"
 #include "view/list_controller.h"
 #include "view/list_model.h"
 #include "view/list_painter.h"
-#include "view/package_commands.h"
 #include "view/resources.h"
 #include "view/sys_list.h"
 #include "view/uninstall_dlg_para.h"
@@ -23,7 +25,7 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
  public:
   /// Resources and services must outlive the dialog.
   UninstallDlg(HWND window, std::unique_ptr<UninstallDlgPara> para, const Resources& resources,
-               const UninstallReader::Services& services);
+               const DialogServices& services);
   ~UninstallDlg() override;
 
   LRESULT WndProc(UINT message, WPARAM wparam, LPARAM lparam) override;
@@ -42,7 +44,7 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   void add_columns();
   void fill_combos();
 
-  // Commands; in uninstall_commands_win.cpp, as are the notices and menus below.
+  // Commands; in uninstall_commands_win.cpp
   void ignore() {}
   void type_chosen();
   void microsoft_toggled();
@@ -55,6 +57,9 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   void show_help();
   void show_issue_tracker();
   void switch_language();
+  void copy_cell();
+  /// False if the command isn't one of the package actions and tools.
+  bool start_action(unsigned command);
   /// Says of a command that its work isn't there yet.
   void tell_pending(unsigned command);
   /// Makes a change of what the list shows, once nobody else works on the list. `change` gives the
@@ -62,13 +67,16 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   template <typename Change>
   void change_list(Change change);
 
-  // Notices of the list
+  // Notices of the list, and menus; in uninstall_notices_win.cpp
   LRESULT list_notice(NMHDR& header);
   void give_text(NMLVDISPINFOA& request);
   void give_wide_text(NMLVDISPINFOW& request);
   void item_changed(const NMLISTVIEW& change);
   void double_clicked();
   void right_clicked();
+  void menu_key_pressed();
+  /// Opens the menu of the chosen package, if there is one that has actions.
+  void open_list_menu(POINT on_screen);
   void sort_by(int column);
   void redraw_list();
 
@@ -88,7 +96,8 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   /// Forgets everything and reads anew: the user accepts the present state.
   void refresh_from_scratch();
   /// While a menu is open or the mouse drags something, the refresh waits for the end of that.
-  void refresh(void (RefreshCycle::*request)());
+  void refresh(void (RefreshCycle::*run_noted)());
+  void run_refresh(void (RefreshCycle::*run_noted)());
   void end_if_due();
   /// Whether an end has been asked for, or is under way.
   bool ending() const noexcept { return shut_down_ || due_result_.has_value(); }
@@ -121,7 +130,7 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   SysListControl list_;
   ListModel model_;
   const ListPainter painter_;
-  String url_;  ///< where the cell leads that was clicked last; empty if nowhere
+  ClickedCell clicked_{model_};
 
   ORLO::CriticalSection listLock;
   Table currentTable;
@@ -133,7 +142,9 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   /// What the dialog is to end with when the refresh that is running has ended.
   std::optional<INT_PTR> due_result_;
   std::optional<ORLO::WaitCursor> wait_cursor_;
-  // Behind what its passes and their hand-over touch, so that it goes first.
+  // After what their threads and hand-overs touch, so that they go first.
   UninstallReader reader_;
   RefreshCycle cycle_;
+  DialogFrame frame_;
+  ActionCommands actions_;
 };

@@ -14,6 +14,8 @@ struct UninstallDlgPara : ORLO::ParaStruct {
 
   /// Reads the search text alone, or shows the chosen package in the pane below the list.
   void updateControls() override;
+  /// Lets the buttons do what can be done for the chosen package, whatever the pane shows.
+  void enable_actions() const;
 
   /// Null if no package is chosen or the chosen one has gone.
   const UninstallEntry* current_entry() const { return find ? find(current) : nullptr; }

@@ -28,6 +28,17 @@ void show_text(HWND control, const String& text) {
 
 }  // namespace
 
+void UninstallDlgPara::enable_actions() const {
+  const UninstallEntry* const entry = current_entry();
+  for (const unsigned action : kActions) {
+    const HWND button = GetDlgItem(hwnd, static_cast<int>(action));
+    const bool enabled = can_run(action, {entry});
+    // Keys that go to a button which can't be pressed any more would be lost.
+    if (!enabled && GetFocus() == button) SetFocus(GetDlgItem(hwnd, IDC_LIST));
+    EnableWindow(button, enabled);
+  }
+}
+
 void UninstallDlgPara::updateControls() {
   const HWND search = GetDlgItem(hwnd, IDC_SEARCH);
   if (partial) {
@@ -38,8 +49,6 @@ void UninstallDlgPara::updateControls() {
   for (const auto& field : kFields) {
     show_text(GetDlgItem(hwnd, field.control), entry != nullptr ? entry->*field.text : String());
   }
-  for (const unsigned action : kActions) {
-    EnableWindow(GetDlgItem(hwnd, static_cast<int>(action)), can_run(action, {entry}));
-  }
+  enable_actions();
   show_text(search, run.searchText);
 }

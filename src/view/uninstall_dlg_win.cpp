@@ -110,19 +110,10 @@ bool in_menu_or_drag() {
   return (info.flags & kLoops) != 0 || dragging;
 }
 
-/// Closes a window that has been opened, maybe by way of others, from the main window.
-BOOL CALLBACK close_if_above(HWND window, LPARAM main_window) {
-  const auto base = reinterpret_cast<HWND>(main_window);
-  if (window != base && IsWindowVisible(window) && GetAncestor(window, GA_ROOTOWNER) == base) {
-    PostMessageA(window, WM_CLOSE, 0, 0);
-  }
-  return TRUE;
-}
-
 }  // namespace
 
 UninstallDlg::UninstallDlg(HWND window, std::unique_ptr<UninstallDlgPara> dialog_para,
-                           const Resources& resources, const UninstallReader::Services& services)
+                           const Resources& resources, const DialogServices& services)
     : Base(window, std::move(dialog_para)),
       para_(static_cast<UninstallDlgPara&>(*para)),
       run_(para_.run),
@@ -132,19 +123,25 @@ UninstallDlg::UninstallDlg(HWND window, std::unique_ptr<UninstallDlgPara> dialog
       modify_button_(control(IDC_MODIFY), kButtonText, kActiveButtonText),
       repair_button_(control(IDC_REPAIR), kButtonText, kActiveButtonText),
       uninstall_button_(control(IDC_UNINSTALL), kButtonText, kActiveButtonText),
-      list_controller_(control(IDC_LIST),
-                       [this](POINT on_screen) { track_popup(IDM_HEADER, on_screen); }),
+      list_controller_(
+          control(IDC_LIST), [this](POINT on_screen) { track_popup(IDM_HEADER, on_screen); },
+          [this] { menu_key_pressed(); }),
       list_(control(IDC_LIST)),
       model_(list_, CellTexts{resources.text(IDS_CHANGED), resources.text(IDS_NEW)}),
       painter_(window, model_),
       currentTable(packageSchema()),
-      reader_(services, [window] { PostMessageA(window, kRegistryChanged, 0, 0); }),
-      cycle_({reader_, currentTable, history_, listLock, model_, *this, services.clock}) {
+      reader_(services.reader, [window] { PostMessageA(window, kRegistryChanged, 0, 0); }),
+      cycle_({reader_, currentTable, history_, listLock, model_, *this, services.reader.clock}),
+      frame_({window, open_boxes_, cycle_, [this] { return closing || ending(); },
+              [this] { requestRefresh(); }}),
+      actions_({services.reader.files, services.shell, services.reader.registry, frame_},
+               [&resources](unsigned id) { return resources.text(id); }) {
   set_icons();
   set_menu();
   set_resize_rules();
   add_columns();
   fill_combos();
+  para_.hwnd = window;
   para_.find = [this](uint32_t id) { return model_.find(id); };
 }
 
@@ -234,7 +231,7 @@ LRESULT UninstallDlg::WndProc(UINT message, WPARAM wparam, LPARAM lparam) {
     case WM_TIMER:
       if (wparam != kPostponedTimer) return Base::WndProc(message, wparam, lparam);
       KillTimer(_hwnd, kPostponedTimer);
-      if (const auto request = std::exchange(postponed_, nullptr)) refresh(request);
+      if (const auto run_noted = std::exchange(postponed_, nullptr)) refresh(run_noted);
       return TRUE;
     case WM_INITMENUPOPUP:
       update_menu(reinterpret_cast<HMENU>(wparam));
@@ -281,24 +278,30 @@ void UninstallDlg::writeHistory() {
 }
 
 void UninstallDlg::requestRefresh() {
-  refresh(&RefreshCycle::requestRefresh);
+  cycle_.note_request();
+  refresh(&RefreshCycle::run_noted);
 }
 
 void UninstallDlg::refresh_from_scratch() {
-  refresh(&RefreshCycle::requestAfresh);
+  cycle_.note_request();
+  refresh(&RefreshCycle::run_noted_afresh);
 }
 
-void UninstallDlg::refresh(void (RefreshCycle::*request)()) {
-  // The cycle's wait would take the keys that the menu, or the button's release that the drag, is
-  // to get.
-  if (in_menu_or_drag()) {
-    if (postponed_ != &RefreshCycle::requestAfresh) postponed_ = request;
-    SetTimer(_hwnd, kPostponedTimer, kPostponedInterval, nullptr);
+void UninstallDlg::refresh(void (RefreshCycle::*run_noted)()) {
+  if (!in_menu_or_drag()) {
+    run_refresh(run_noted);
     return;
   }
+  // The cycle's wait would take the keys that the menu, or the button's release that the drag, is
+  // to get. Several requests become one.
+  if (postponed_ != &RefreshCycle::run_noted_afresh) postponed_ = run_noted;
+  SetTimer(_hwnd, kPostponedTimer, kPostponedInterval, nullptr);
+}
+
+void UninstallDlg::run_refresh(void (RefreshCycle::*run_noted)()) {
   // However the cycle ends, an end that was asked for meanwhile is due.
   try {
-    (cycle_.*request)();
+    (cycle_.*run_noted)();
   } catch (...) {
     end_if_due();
     throw;
@@ -312,6 +315,7 @@ void UninstallDlg::end_if_due() {
 
 void UninstallDlg::forget_entries() {
   model_.clear();
+  para_.enable_actions();
 }
 
 void UninstallDlg::begin_wait() {
@@ -329,6 +333,7 @@ void UninstallDlg::show_failure(const String& text) {
 
 void UninstallDlg::refreshed() {
   model_.set_group_view();
+  para_.enable_actions();
   UpdateWindow(list_.window());
 }
 
@@ -342,6 +347,7 @@ void UninstallDlg::shut_down() {
   if (std::exchange(shut_down_, true)) return;
   cycle_.end();
   reader_.stop(ORLO::ActiveObject::WaitMode::pump);
+  actions_.close();
   keep_settings();
 }
 
@@ -361,11 +367,11 @@ void UninstallDlg::EndDialog(INT_PTR result) {
   // An open menu would keep its own message loop, and with it the dialog's, from ending.
   EndMenu();
   due_result_ = result;
+  // So would a box, and below it another one, and the wait for an installer, on which a refresh may
+  // be waiting in turn.
+  if (open_boxes_ > 0) close_boxes_above(_hwnd);
+  actions_.close();
   if (cycle_.refreshing() || shut_down_) return;
   shut_down();
-  // So would a box, and below it another one.
-  if (open_boxes_ > 0) {
-    EnumThreadWindows(GetCurrentThreadId(), &close_if_above, reinterpret_cast<LPARAM>(_hwnd));
-  }
   Base::EndDialog(result);
 }

@@ -10,6 +10,8 @@
 #include "orlo/window_helpers.h"
 #include "platform/memory_files.h"
 #include "platform/memory_registry.h"
+#include "platform/memory_shell.h"
+#include "view/clipboard.h"
 #include "view/resource_ids.h"
 
 namespace {
@@ -37,8 +39,7 @@ class UninstallDlgTest : public testing::Test {
         resources.module(), resources.dialog(IDD_MAIN), nullptr, [&](HWND made) {
           return std::make_unique<UninstallDlg>(
               made, std::make_unique<UninstallDlgPara>(para), resources,
-              UninstallReader::Services{registry, files, ORLO::system_clock(), false,
-                                        &no_language});
+              DialogServices{{registry, files, ORLO::system_clock(), false, &no_language}, shell});
         });
     list = GetDlgItem(window, IDC_LIST);
   }
@@ -87,6 +88,7 @@ class UninstallDlgTest : public testing::Test {
   const Resources resources{GetModuleHandleA(nullptr), kEnglish};
   MemoryRegistry registry{MemoryRegistry::View::native};
   MemoryFiles files;
+  MemoryShell shell;
   HWND window = nullptr;
   HWND list = nullptr;
 };
@@ -305,6 +307,147 @@ TEST_F(UninstallDlgTest, ARefreshGoesOnUnderTheWaitCursorAndTheOldStatusLine) {
   EXPECT_EQ(seen_while_painting[0].status, "old");
   EXPECT_EQ(GetCursor(), LoadCursorA(nullptr, IDC_ARROW));
   EXPECT_STREQ(text_of(IDC_STATUS).c_str(), "2 / 2 packages");
+}
+
+class ChoosingUninstallDlgTest : public UninstallDlgTest {
+ protected:
+  ChoosingUninstallDlgTest() {
+    set("Birch", "UninstallString", u"C:\\un.exe /x");
+    set("Birch", "ModifyPath", u"C:\\mod.exe");
+    set("Birch", "InstallLocation", u"C:\\birch");
+    files.add_file("C:\\un.exe");
+    files.add_file("C:\\mod.exe");
+    refresh_by_change();
+  }
+  void set(const std::string& key, const char* value, const char16_t* text) {
+    registry.set_text(kUninstall + key, value, text);
+  }
+  void refresh_by_change() const { SendMessageA(window, WM_APP, 0, 0); }
+  void choose(int row) const {
+    LVITEMA item = {};
+    item.stateMask = LVIS_FOCUSED | LVIS_SELECTED;
+    SendMessageA(list, LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&item));
+    item.state = item.stateMask;
+    SendMessageA(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+    SendMessageA(list, LVM_SETSELECTIONMARK, 0, row);
+  }
+  bool enabled(int control) const { return IsWindowEnabled(GetDlgItem(window, control)) != FALSE; }
+  bool count_is(const char* text) const { return std::string(text_of(IDC_STATUS).c_str()) == text; }
+};
+
+TEST_F(ChoosingUninstallDlgTest, TheButtonsFollowTheChosenPackage) {
+  EXPECT_FALSE(enabled(IDC_UNINSTALL));
+  choose(0);
+  EXPECT_TRUE(enabled(IDC_UNINSTALL));
+  EXPECT_TRUE(enabled(IDC_MODIFY));
+  EXPECT_FALSE(enabled(IDC_REPAIR));
+  choose(1);
+  EXPECT_FALSE(enabled(IDC_UNINSTALL));
+  EXPECT_FALSE(enabled(IDC_MODIFY));
+}
+
+TEST_F(ChoosingUninstallDlgTest, TheButtonsFollowWhatBecomesOfTheChosenPackage) {
+  choose(0);
+  set("Birch", "NoRemove", u"");
+  registry.set_number(kUninstall + "Birch", "NoRemove", 1);
+  refresh_by_change();
+  EXPECT_FALSE(enabled(IDC_UNINSTALL));
+  EXPECT_TRUE(enabled(IDC_MODIFY));
+  registry.remove(kUninstall + "Birch");
+  refresh_by_change();
+  EXPECT_FALSE(enabled(IDC_MODIFY));
+}
+
+TEST_F(ChoosingUninstallDlgTest, NoButtonWorksAfterARefreshFromScratch) {
+  choose(0);
+  SendMessageA(window, WM_COMMAND, IDC_REFRESH, 0);
+  EXPECT_FALSE(enabled(IDC_UNINSTALL));
+  EXPECT_FALSE(enabled(IDC_MODIFY));
+}
+
+TEST_F(ChoosingUninstallDlgTest, ASearchThatFindsNothingLeavesNoButton) {
+  choose(0);
+  SetDlgItemTextA(window, IDC_SEARCH, "nothing of that kind");
+  EXPECT_FALSE(enabled(IDC_UNINSTALL));
+  EXPECT_TRUE(text_of(IDC_NAME).empty());
+}
+
+TEST_F(ChoosingUninstallDlgTest, TheFocusLeavesAButtonThatCannotBePressedAnyMore) {
+  choose(0);
+  SetFocus(GetDlgItem(window, IDC_UNINSTALL));
+  ASSERT_EQ(GetFocus(), GetDlgItem(window, IDC_UNINSTALL));
+  registry.remove(kUninstall + "Birch");
+  refresh_by_change();
+  EXPECT_EQ(GetFocus(), list);
+}
+
+TEST_F(ChoosingUninstallDlgTest, AButtonActsOnItsClickAlone) {
+  choose(0);
+  const auto tell = [this](int control, int code) {
+    SendMessageA(window, WM_COMMAND, MAKEWPARAM(control, code),
+                 reinterpret_cast<LPARAM>(GetDlgItem(window, control)));
+  };
+  shell.end_at_once();
+  SetDlgItemTextA(window, IDC_STATUS, "untouched");
+  for (const int code : {BN_PAINT, BN_HILITE, BN_DBLCLK, BN_SETFOCUS, BN_KILLFOCUS}) {
+    tell(IDC_REFRESH, code);
+    tell(IDC_MODIFY, code);
+    EXPECT_TRUE(count_is("untouched")) << code;
+  }
+  EXPECT_TRUE(shell.starts().empty());
+  tell(IDC_MODIFY, BN_CLICKED);
+  EXPECT_EQ(shell.starts().size(), 1u);
+  EXPECT_TRUE(count_is("2 / 2 packages"));
+  SetDlgItemTextA(window, IDC_STATUS, "untouched");
+  tell(IDC_REFRESH, BN_CLICKED);
+  EXPECT_TRUE(count_is("2 / 2 packages"));
+  SetDlgItemTextA(window, IDC_STATUS, "untouched");
+  // As the key F5 comes.
+  SendMessageA(window, WM_COMMAND, MAKEWPARAM(IDC_REFRESH, 1), 0);
+  EXPECT_TRUE(count_is("2 / 2 packages"));
+}
+
+TEST_F(ChoosingUninstallDlgTest, ThreeInstallersAreWaitedForOneInsideTheOtherAndACloseEndsAll) {
+  choose(0);
+  for (int i = 0; i < 2; ++i)
+    PostMessageA(window, WM_COMMAND, IDC_MODIFY, 0);
+  PostMessageA(window, WM_CLOSE, 0, 0);
+  // Returns once the close has ended all three waits; no process ever ends.
+  SendMessageA(window, WM_COMMAND, IDC_MODIFY, 0);
+  EXPECT_EQ(shell.starts().size(), 3u);
+  EXPECT_EQ(shell.owned_processes(), 0u);
+}
+
+TEST_F(ChoosingUninstallDlgTest, WhatAnInstallerDoesOnTopOfARefreshShowsAfterIt) {
+  choose(0);
+  shell.end_at_once();
+  PostMessageA(window, WM_COMMAND, IDC_MODIFY, 0);
+  registry.remove(kUninstall + "Alder");
+  // The command is handled while the refresh waits for its pass, or after it.
+  refresh_by_change();
+  for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);)
+    DispatchMessageA(&message);
+  EXPECT_TRUE(count_is("1 / 1 packages"));
+  EXPECT_EQ(shell.starts().size(), 1u);
+}
+
+TEST_F(ChoosingUninstallDlgTest, TheLocationIsOpened) {
+  choose(0);
+  SendMessageA(window, WM_COMMAND, ID_OPEN_FOLDER, 0);
+  ASSERT_EQ(shell.starts().size(), 1u);
+  EXPECT_EQ(shell.starts()[0].file, "C:\\birch");
+  EXPECT_EQ(shell.starts()[0].owner, window);
+  EXPECT_FALSE(shell.starts()[0].waits);
+}
+
+TEST_F(ChoosingUninstallDlgTest, NothingIsCopiedBeforeACellWasClicked) {
+  ASSERT_TRUE(copy_to_clipboard(window, "before"));
+  SendMessageA(window, WM_COMMAND, ID_COPY, 0);
+  ASSERT_TRUE(OpenClipboard(window));
+  const HANDLE data = GetClipboardData(CF_TEXT);
+  EXPECT_STREQ(static_cast<const char*>(GlobalLock(data)), "before");
+  GlobalUnlock(data);
+  CloseClipboard();
 }
 
 struct PlacedUninstallDlgTest : UninstallDlgTest {

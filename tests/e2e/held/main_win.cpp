@@ -121,5 +121,6 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR command_line, int) {
   });
   held = &held_registry;
   const HeldClock clock(ORLO::system_clock(), points);
-  return run_program(instance, command_line, {held_registry, *files, clock});
+  const auto shell = make_system_shell();
+  return run_program(instance, command_line, {held_registry, *files, clock, *shell});
 }

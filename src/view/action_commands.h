@@ -1,0 +1,36 @@
+// The commands that start something: the actions on a package, the tools of the system.
+#pragma once
+
+#include <functional>
+
+#include "actions/package_actions.h"
+#include "actions/system_tools.h"
+#include "view/package_commands.h"
+
+/// Lives on the main thread. Commands may be nested, as an installer is waited for with messages
+/// flowing.
+class ActionCommands {
+ public:
+  /// All must outlive the commands.
+  struct Parts {
+    Files& files;
+    Shell& shell;
+    Registry& registry;
+    ActionFrame& frame;
+  };
+  /// The text with this id.
+  using TextOf = std::function<String(unsigned id)>;
+
+  ActionCommands(const Parts& parts, const TextOf& text_of);
+
+  /// Does what the command is for, and returns when that is over; false if it is none of these.
+  /// With nothing to do it for it does nothing.
+  bool run(unsigned command, const CommandContext& at);
+  bool has_orca() const noexcept { return tools_.has_orca(); }
+  /// Ends every wait for an installer, now and from now on.
+  void close() noexcept { actions_.close(); }
+
+ private:
+  PackageActions actions_;
+  SystemTools tools_;
+};

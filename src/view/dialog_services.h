@@ -1,0 +1,11 @@
+// What the main dialog stands on.
+#pragma once
+
+#include "inventory/reader.h"
+#include "platform/shell.h"
+
+/// All must outlive the dialog.
+struct DialogServices {
+  UninstallReader::Services reader;
+  Shell& shell;
+};
