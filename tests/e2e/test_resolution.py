@@ -289,6 +289,22 @@ def test_a_saved_place_is_that_of_real_pixels(large_screen, template):
         desk.end_programs()
 
 
+def test_a_saved_place_must_leave_a_larger_grip(large_screen, template):
+    with desk_on(large_screen, template, KEYS, dpi=192) as desk:
+        # Enough of the title bar at 96 dots per inch, but not here.
+        left, top = large_screen.size[0] - 60, 100
+        place = f"{left}/{top}/{left + 1300}/{top + 700} - 1"
+        file = desk.prefix.kept / "zolvane-cfg.xml"
+        file.parent.mkdir(exist_ok=True)
+        file.write_text('<?xml version="1.0" encoding="utf-8"?><zolvane version="5.3">'
+                        f'<ui lang-id="9" window-pos="{place}"/></zolvane>\n')
+        program = desk.open("-noupdate")
+        program.wait_for_status(STATUS_TEXT["english"])
+        width = large_screen.size[0]
+        assert program.window()["frame"] == [width - 1300, top, width, top + 700]
+        desk.end_programs()
+
+
 def test_the_window_opens_no_larger_than_the_screen(make_desk, screen):
     with make_desk(KEYS, dpi=192) as desk:
         program = desk.open(*SWITCHES)
