@@ -56,17 +56,6 @@ int sign(int order) noexcept {
   return (order > 0) - (order < 0);
 }
 
-/// As the runtime's atoi, with a defined result (modulo 2^32) for numbers of any length.
-int32_t leading_number(const char* text) noexcept {
-  text = skip_space(text);
-  const bool negative = *text == '-';
-  if (*text == '-' || *text == '+') ++text;
-  uint32_t number = 0;
-  for (; is_digit(*text); ++text)
-    number = number * 10 + static_cast<uint32_t>(*text - '0');
-  return static_cast<int32_t>(negative ? 0U - number : number);
-}
-
 int compare_pieces(const char* a, const char* a_end, const char* b, const char* b_end) noexcept {
   const auto a_length = static_cast<size_t>(a_end - a);
   const auto b_length = static_cast<size_t>(b_end - b);
@@ -77,6 +66,16 @@ int compare_pieces(const char* a, const char* a_end, const char* b, const char* 
 }
 
 }  // namespace
+
+int32_t leading_number(const char* text) noexcept {
+  text = skip_space(text);
+  const bool negative = *text == '-';
+  if (*text == '-' || *text == '+') ++text;
+  uint32_t number = 0;
+  for (; is_digit(*text); ++text)
+    number = number * 10 + static_cast<uint32_t>(*text - '0');
+  return static_cast<int32_t>(negative ? 0U - number : number);
+}
 
 IconSpec SplitIconSpec(const String& text, Files& files) {
   IconSpec spec;

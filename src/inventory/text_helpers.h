@@ -1,6 +1,8 @@
 // Small rules on the texts that installers leave in the registry.
 #pragma once
 
+#include <cstdint>
+
 #include "orlo/datetime.h"
 #include "orlo/rstring.h"
 #include "platform/files.h"
@@ -31,3 +33,6 @@ String MergeDateText(const String& text, DateTime date,
 
 /// Order of two version texts, numbers by parts, suffixes by bytes: negative, 0, positive.
 int compareVersions(const String& a, const String& b) noexcept;
+
+/// As the runtime's atoi, with a defined result (modulo 2^32) for numbers of any length.
+int32_t leading_number(const char* text) noexcept;

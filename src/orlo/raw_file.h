@@ -49,6 +49,9 @@ std::unique_ptr<OverlappedRawFile> open_overlapped_raw_file(const char* file_nam
 /// null.
 std::unique_ptr<OverlappedRawFile> transfer_at_once(std::unique_ptr<RawFile> file);
 
+/// Fails without a word, above all if there is no such file. Folders stay.
+void delete_file(const char* file_name) noexcept;
+
 /// Sets the calling thread's last error code.
 void set_last_error(uint32_t code) noexcept;
 

@@ -76,6 +76,10 @@ std::unique_ptr<OverlappedRawFile> open_overlapped_raw_file(const char* file_nam
   return transfer_at_once(open_raw_file(file_name, access, disposition, share_mode, flags));
 }
 
+void delete_file(const char* file_name) noexcept {
+  static_cast<void>(::unlink(file_name));
+}
+
 void set_last_error(uint32_t code) noexcept {
   errno = static_cast<int>(code);
 }

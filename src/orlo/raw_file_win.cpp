@@ -129,6 +129,10 @@ std::unique_ptr<OverlappedRawFile> open_overlapped_raw_file(const char* file_nam
   return std::make_unique<OverlappedHandleFile>(std::move(file));
 }
 
+void delete_file(const char* file_name) noexcept {
+  DeleteFileA(file_name);
+}
+
 void set_last_error(uint32_t code) noexcept {
   SetLastError(code);
 }

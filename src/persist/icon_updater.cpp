@@ -1,0 +1,119 @@
+#include "persist/icon_updater.h"
+
+#include <exception>
+
+#include "orlo/com_error.h"
+#include "orlo/exception.h"
+#include "persist/icon_cache.h"
+#include "persist/icon_images.h"
+
+namespace {
+
+constexpr uint32_t kRetryMilliseconds = 5;
+
+/// Signals on every way out of a scope.
+class SignalAtEnd {
+ public:
+  explicit SignalAtEnd(ORLO::Event& event) noexcept : event_(event) {}
+  ~SignalAtEnd() { event_.set(); }
+  SignalAtEnd(const SignalAtEnd&) = delete;
+  SignalAtEnd& operator=(const SignalAtEnd&) = delete;
+
+ private:
+  ORLO::Event& event_;
+};
+
+class ClearAtEnd {
+ public:
+  explicit ClearAtEnd(std::atomic<bool>& flag) noexcept : flag_(flag) {}
+  ~ClearAtEnd() { flag_ = false; }
+  ClearAtEnd(const ClearAtEnd&) = delete;
+  ClearAtEnd& operator=(const ClearAtEnd&) = delete;
+
+ private:
+  std::atomic<bool>& flag_;
+};
+
+/// Leaves a section that was entered already.
+class Entered {
+ public:
+  explicit Entered(ORLO::CriticalSection& section) noexcept : section_(section) {}
+  ~Entered() { section_.leave(); }
+  Entered(const Entered&) = delete;
+  Entered& operator=(const Entered&) = delete;
+
+ private:
+  ORLO::CriticalSection& section_;
+};
+
+}  // namespace
+
+IconUpdater::IconUpdater(const Parts& parts) : ActiveFinisher("IconUpdater"), parts_(parts) {}
+
+IconUpdater::~IconUpdater() {
+  stop(WaitMode::pump);
+}
+
+void IconUpdater::start_pass() {
+  busy = true;
+  resume();
+  doneEvent.reset();
+  wakeEvent.set();
+}
+
+int IconUpdater::Run() {
+  const ClearAtEnd end(busy);
+  parts_.apply_thread_language();
+  while (!stop_requested()) {
+    ORLO::Waitable* const items[] = {&wakeEvent, &finish_signal()};
+    ORLO::wait_any(items, 2, ORLO::kInfinite);
+    if (stop_requested()) break;
+    const SignalAtEnd done(doneEvent);
+    guarded_pass();
+  }
+  return 0;
+}
+
+/// Icons are worth no report: the next pass tries again.
+void IconUpdater::guarded_pass() {
+  try {
+    pass();
+  } catch (const ORLO::Exception&) {
+  } catch (const ORLO::ComError&) {
+  } catch (const std::exception&) {
+  }
+}
+
+void IconUpdater::pass() {
+  const ImageIndexMap map = update_rows();
+  if (!stop_requested()) write_icon_cache(parts_.para, map, parts_.images);
+}
+
+/// The map as the pass leaves it: the main thread may change it once the lock is free.
+ImageIndexMap IconUpdater::update_rows() {
+  if (!enter_lock()) return {};
+  const Entered hold(parts_.lock);
+  IconImages icons(parts_.map, parts_.images, parts_.extractor, parts_.files);
+  parts_.rows.visit_icons([&](IconRows::Row& row) {
+    if (stop_requested()) return false;
+    update_row(row, icons.drawn_image(row.entry));
+    return true;
+  });
+  const bool wanted = keeps_icons(parts_.para) && !stop_requested();
+  return wanted ? parts_.map : ImageIndexMap();
+}
+
+void IconUpdater::update_row(IconRows::Row& row, int32_t image) {
+  if (row.line < 0 || row.image == image) return;
+  parts_.lines.set_image(row.line, image);
+  row.image = image;
+}
+
+/// Without blocking in it: whoever holds the lock may be stopping this thread. False if so.
+bool IconUpdater::enter_lock() {
+  while (!stop_requested()) {
+    if (parts_.lock.try_enter()) return true;
+    ORLO::wait_for(finish_signal(), kRetryMilliseconds);
+  }
+  return false;
+}
