@@ -29,6 +29,7 @@ loops=()
 max_len() {
   case $1 in
     usage_cache) echo 560 ;;
+    image_list) echo 512 ;;
     reg_text) echo 256 ;;
     xml_reader) echo 128 ;;
     *) echo 64 ;;
@@ -42,6 +43,8 @@ sources() {
     command | version) echo src/inventory/text_helpers.cpp ;;
     usage_cache) echo src/inventory/usage_cache.cpp ;;
     reg_text) echo src/platform/reg_text.cpp ;;
+    image_list) echo src/platform/image_list_bytes.cpp ;;
+    image_paths) echo src/persist/image_paths.cpp ;;
     file_text)
       echo src/orlo/buffered_in.cpp src/orlo/buffered_in_text.cpp src/orlo/read_line.cpp
       ;;
