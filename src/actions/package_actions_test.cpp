@@ -180,6 +180,7 @@ TEST_F(PackageActionsTest, UninstallStartsTheInstallerForAProductThatRegisteredI
       {"MsiExec.exe /i{1111-2222}", "MsiExec.exe|/i{1111-2222}"},
       {"MsiExec.exe /I {1111-2222}", "MsiExec.exe|/I {1111-2222}"},
       {"C:\\Birch\\un.exe /u", "C:\\Birch\\un.exe|/u"},
+      {"C:\\Birch\\un.exe x/I{1}", "C:\\Birch\\un.exe|x/I{1}"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.registered);
@@ -404,6 +405,23 @@ TEST_F(PackageActionsTest, OneCloseEndsThreeNestedWaitsAndThoseThatBeginLater) {
   EXPECT_EQ(ended_by_close, 4);
   EXPECT_EQ(shell.owned_processes(), 0u);
   EXPECT_EQ(frame_.refreshes, 0);
+}
+
+TEST_F(PackageActionsTest, AWaitThatItsProcessEndsLeavesTheNextOneAlone) {
+  MemoryShell shell;
+  PackageActions actions({files_, shell, registry_, frame_}, {}, &scripted_wait);
+  scripted = [&](Items items, size_t count) {
+    shell.end_process(0);
+    return real_wait(items, count);
+  };
+  actions.modify(plain_entry());
+  int result = 0;
+  scripted = [&](Items items, size_t count) {
+    result = ORLO::wait_with_messages(items, count, 20);
+    return ORLO::kWaitQuit;
+  };
+  actions.modify(plain_entry());
+  EXPECT_EQ(result, ORLO::kWaitTimedOut);
 }
 
 TEST_F(PackageActionsTest, AnInnerActionEndsBeforeTheOneAroundIt) {

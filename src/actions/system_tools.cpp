@@ -57,7 +57,7 @@ String find_orca(Registry& registry) {
 SystemTools::SystemTools(const Parts& parts, ToolTexts texts, String cleanup_page)
     : parts_(parts),
       texts_(std::move(texts)),
-      cleanup_page_(std::move(cleanup_page)),
+      cleanup_page_(cleanup_page),
       orcaCommand(find_orca(parts.registry)) {}
 
 void SystemTools::msi_cleanup() {

@@ -113,6 +113,13 @@ TEST_F(SystemToolsTest, LaunchesSystemRestoreFromTheSystemsFolder) {
   EXPECT_TRUE(frame_.boxes.empty());
 }
 
+TEST_F(SystemToolsTest, TakesWhateverCanBeOpenedForSystemRestore) {
+  files_.add_folder("C:\\Windows\\system32\\restore\\Rstrui.exe");
+  tools().system_restore();
+  EXPECT_EQ(shell_.starts().size(), 1u);
+  EXPECT_TRUE(frame_.boxes.empty());
+}
+
 TEST_F(SystemToolsTest, SaysThatTheSystemHasNoSystemRestore) {
   frame_.during_box = [this] { EXPECT_EQ(frame_.cursors, 0); };
   tools().system_restore();
@@ -202,7 +209,7 @@ TEST_F(SystemToolsTest, NothingHappensWithoutOrca) {
   EXPECT_FALSE(none.has_orca());
   none.orca();
   none.open_with_orca(msi_entry());
-  EXPECT_TRUE(shell_.starts().empty());
+  EXPECT_EQ(shell_.cursors, -1) << "no shell was asked";
   EXPECT_TRUE(frame_.boxes.empty());
 }
 
@@ -261,7 +268,9 @@ TEST_F(SystemToolsTest, AnEmptyCommandOfTheTypeIsTheResult) {
 TEST_F(SystemToolsTest, AnEmptyClassNameLeadsNowhere) {
   registry_.set_text(kType, "", u"");
   registry_.set_text("HKEY_CLASSES_ROOT\\shell\\edit\\command", "", u"msconfig.exe");
+  registry_.clear_calls();
   EXPECT_FALSE(tools().has_orca());
+  EXPECT_EQ(registry_.calls().back(), "value ") << "nothing is looked for below no class";
 }
 
 TEST_F(SystemToolsTest, OrcasCommandHasAtMost259Characters) {
