@@ -7,6 +7,7 @@
 #include "bench/interleaved.h"
 #include "orlo/dlg_controller.h"
 #include "platform/memory_files.h"
+#include "platform/memory_icons.h"
 #include "platform/memory_registry.h"
 #include "platform/memory_shell.h"
 #include "view/resource_ids.h"
@@ -37,14 +38,14 @@ void seed(MemoryRegistry& registry) {
 }
 
 HWND open_window(const Resources& resources, MemoryRegistry& registry, MemoryFiles& files,
-                 MemoryShell& shell) {
+                 MemoryShell& shell, MemoryIcons& icons) {
   UninstallPara para;
   para.noPersist = true;
   const HWND window = ORLO::Dialog::DoModeless(
       resources.module(), resources.dialog(IDD_MAIN), nullptr, [&](HWND made) {
         return std::make_unique<UninstallDlg>(
             made, std::make_unique<UninstallDlgPara>(para), resources,
-            DialogServices{{registry, files, ORLO::system_clock(), false, [] {}}, shell});
+            DialogServices{{registry, files, ORLO::system_clock(), false, [] {}}, shell, icons});
       });
   SetWindowPos(window, nullptr, 0, 0, kWidth, kHeight, SWP_NOZORDER);
   return window;
@@ -84,9 +85,10 @@ int main() {
   MemoryRegistry registry(MemoryRegistry::View::native);
   MemoryFiles files;
   MemoryShell shell;
+  MemoryIcons icons;
   seed(registry);
   const Resources resources(GetModuleHandleA(nullptr), kEnglish);
-  Window window(open_window(resources, registry, files, shell));
+  Window window(open_window(resources, registry, files, shell, icons));
   if (!window.shows_all()) {
     std::printf("the window doesn't show %d rows\n", kRows);
     return 1;

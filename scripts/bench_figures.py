@@ -61,6 +61,14 @@ LIST_PAINT = (
      "floor: without colours", None),
     ("10 repaints of 50 rows, no search", "coloured", "floor: without colours", None),
 )
+ICON_PASS = (
+    ("first icon pass, 2,000 rows, 300 icons", "first icon pass", "floor: bare calls", 1.2),
+    ("icon pass with nothing new, 10,000 rows", "calm icon pass", None, None),
+    ("the same: the window's longest answer", "calm icon pass, longest answer", None, None),
+    ("images at the start, 300 kept", "images at the start, 300 kept",
+     "images at the start, none kept", None),
+    ("choice of a row", "choice of a row", None, None),
+)
 
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
 
@@ -103,7 +111,8 @@ def main():
     for title, file, beside, bar in TARGET:
         times = target_medians(folder / f"{file}.txt")
         print_row(title, times["zolvane"], beside, times[beside], bar)
-    for file, rows in (("list_model", LIST_MODEL), ("list_paint", LIST_PAINT)):
+    for file, rows in (("list_model", LIST_MODEL), ("list_paint", LIST_PAINT),
+                       ("icon_pass", ICON_PASS)):
         times = target_medians(folder / f"{file}.txt")
         for title, name, beside, bar in rows:
             print_row(title, times[name], beside or "", times.get(beside), bar)

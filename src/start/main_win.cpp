@@ -5,5 +5,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR command_line, int) {
   const auto registry = make_system_registry();
   const auto files = make_system_files();
   const auto shell = make_system_shell();
-  return run_program(instance, command_line, {*registry, *files, ORLO::system_clock(), *shell});
+  const auto icons = make_system_icon_extractor();
+  return run_program(instance, command_line,
+                     {*registry, *files, ORLO::system_clock(), *shell, *icons});
 }

@@ -4,6 +4,7 @@
 #include "orlo/clock.h"
 #include "orlo/orlowin.h"
 #include "platform/files.h"
+#include "platform/icons.h"
 #include "platform/registry.h"
 #include "platform/shell.h"
 
@@ -13,6 +14,7 @@ struct ProgramServices {
   Files& files;
   const ORLO::Clock& clock;
   Shell& shell;
+  IconExtractor& icons;
 };
 
 /// Runs from the marks of the process to the end of the main dialog: the process's exit code, 0

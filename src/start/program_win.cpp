@@ -53,7 +53,8 @@ int show_main_dialog(HINSTANCE instance, const UninstallPara& para,
   const Resources resources(instance, static_cast<uint16_t>(ui_locale_id()));
   const DialogServices services{
       {program.registry, program.files, program.clock, under_wow64(), &applyThreadLanguage},
-      program.shell};
+      program.shell,
+      program.icons};
   const INT_PTR result =
       ORLO::Dialog::DoModal(instance, resources.dialog(IDD_MAIN), nullptr, [&](HWND window) {
         return std::make_unique<UninstallDlg>(window, std::make_unique<UninstallDlgPara>(para),

@@ -2,10 +2,12 @@
 #pragma once
 
 #include "inventory/reader.h"
+#include "platform/icons.h"
 #include "platform/shell.h"
 
 /// All must outlive the dialog.
 struct DialogServices {
   UninstallReader::Services reader;
   Shell& shell;
+  IconExtractor& icons;
 };

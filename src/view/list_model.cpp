@@ -172,6 +172,19 @@ void ListModel::show_all_columns() {
   }
 }
 
+void ListModel::visit_icons(const Visitor& visitor) {
+  for (auto& item : entries_)
+    item.second.line = -1;
+  shown_.number_lines();
+  for (auto& item : entries_) {
+    ListRow& row = item.second;
+    Row visited{row.entry, row.line, row.shown_image};
+    const bool go_on = visitor(visited);
+    row.shown_image = visited.image;
+    if (!go_on) return;
+  }
+}
+
 const String& ListModel::cellText(uint32_t id, int column) {
   const UninstallEntry* entry = find(id);
   cell_ = entry != nullptr ? cell_text(*entry, column, texts_) : String();

@@ -6,13 +6,14 @@
 #include <optional>
 
 #include "inventory/refresh_cycle.h"
-#include "persist/image_index_map.h"
+#include "persist/icon_updater.h"
 #include "view/row_filter.h"
 #include "view/shown_rows.h"
 
-/// Lives on the main thread. Ids are given to entries in the order of their arrival, from 1.
-/// Filter, search and sort state outlast every refresh.
-class ListModel : public InventoryView {
+/// Lives on the main thread; another one may visit the icons while it holds the lock that every
+/// change is made under. Ids are given to entries in the order of their arrival, from 1. Filter,
+/// search and sort state outlast every refresh.
+class ListModel : public InventoryView, public IconRows {
  public:
   ListModel(ListControl& list, CellTexts texts);
 
@@ -57,6 +58,9 @@ class ListModel : public InventoryView {
   const Search& search() const noexcept { return search_; }
   /// Gains an entry for every icon of a row that is shown. No entry may be taken out.
   ImageIndexMap& images() noexcept { return images_; }
+  /// What the map's numbers stand for; must outlive the model.
+  void use_images(const ImageList& images) noexcept { shown_.use_images(images); }
+  void visit_icons(const Visitor& visitor) override;
 
  private:
   using Entries = std::map<uint32_t, ListRow>;

@@ -18,6 +18,8 @@ struct ListRow {
   bool accepted = false;                             ///< by the filter, when it was asked last
   bool in_control = false;                           ///< the list control has a line for it
   bool displaced = false;  ///< its sort key has changed since it got its place in the list
+  int line = -1;           ///< its position in the control, when it was asked for last; -1: none
+  int shown_image = 0;     ///< what its line in the control shows
   size_t rank = 0;         ///< among all rows at the last sort; equal for equal rows
 };
 

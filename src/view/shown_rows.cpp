@@ -37,10 +37,22 @@ void ShownRows::insert(ListRow& row) {
   insert_line(last ? ListControl::kEnd : static_cast<int>(place - rows_.begin()), row);
 }
 
-void ShownRows::insert_line(int position, ListRow& row) {
+/// A number that was kept by an earlier run may lead beyond the images.
+int ShownRows::drawn_image(const ListRow& row) const {
   const int image = row.image != nullptr ? std::max(row.image->second, 0) : 0;
-  list_.insert_item(position, {row.entry.name.c_str(), row.id, image, group_});
+  return images_ != nullptr && image >= images_->count() ? 0 : image;
+}
+
+void ShownRows::insert_line(int position, ListRow& row) {
+  row.shown_image = drawn_image(row);
+  list_.insert_item(position, {row.entry.name.c_str(), row.id, row.shown_image, group_});
   row.in_control = true;
+}
+
+void ShownRows::number_lines() {
+  int line = 0;
+  for (ListRow* const row : rows_)
+    row->line = row->in_control ? line++ : -1;
 }
 
 void ShownRows::give_to_control() {

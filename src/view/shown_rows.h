@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 
+#include "platform/image_list.h"
 #include "view/list_control.h"
 #include "view/row_order.h"
 
@@ -22,6 +23,9 @@ class ShownRows {
 
   /// Every line that is inserted from now on belongs to this group.
   void set_group(int group) noexcept { group_ = group; }
+  /// What the lines' images are drawn from; it must outlive this. An image that isn't there is
+  /// drawn as the first one.
+  void use_images(const ImageList& images) noexcept { images_ = &images; }
 
   /// Inside a batch new lines go to the control all at once, at its end, with drawing frozen.
   void begin_batch();
@@ -36,6 +40,8 @@ class ShownRows {
   /// Lets the control sort the lines by rank. `row_of` gives the row of an id, null if it is gone.
   void sort(const std::function<ListRow*(uint32_t)>& row_of);
   void clear();
+  /// Tells each shown row its line.
+  void number_lines();
 
   std::optional<Mark> mark() const;
   /// The marked row's line, if it has one, is chosen again and scrolled to.
@@ -46,10 +52,12 @@ class ShownRows {
   int position_of(const ListRow& row) const;
   void insert_line(int position, ListRow& row);
   void give_to_control();
+  int drawn_image(const ListRow& row) const;
 
   ListControl& list_;
   const SortState& sort_;
   ListRows rows_;
+  const ImageList* images_ = nullptr;
   int group_ = ListControl::kNoGroup;
   bool in_batch_ = false;
 };

@@ -105,6 +105,7 @@ void UninstallDlg::change_list(Change change) {
     CanClose(false);
   }
   para_.enable_actions();
+  if (!ending()) icons_.start_pass();
 }
 
 void UninstallDlg::type_chosen() {

@@ -14,6 +14,7 @@
 #include "view/dialog_frame.h"
 #include "view/dialog_services.h"
 #include "view/list_controller.h"
+#include "view/list_icons.h"
 #include "view/list_model.h"
 #include "view/list_painter.h"
 #include "view/resources.h"
@@ -147,4 +148,5 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   RefreshCycle cycle_;
   DialogFrame frame_;
   ActionCommands actions_;
+  ListIcons icons_;
 };

@@ -3,10 +3,12 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 
 #include "inventory/entry.h"
 #include "orlo/para_struct.h"
 #include "persist/uninstall_para.h"
+#include "platform/icons.h"
 
 /// The run's record and the chosen package as the parameters of the main dialog.
 struct UninstallDlgPara : ORLO::ParaStruct {
@@ -24,4 +26,11 @@ struct UninstallDlgPara : ORLO::ParaStruct {
   /// The chosen package. Only its id is kept, as the record may go at any time; 0 for none.
   uint32_t current = 0;
   std::function<const UninstallEntry*(uint32_t id)> find;
+  /// Gives the pane's icon, null if the package has none.
+  std::function<std::unique_ptr<Icon>(const UninstallEntry& entry)> load_icon;
+
+ private:
+  void show_icon(const UninstallEntry* entry);
+
+  std::unique_ptr<Icon> icon_;  ///< in the pane
 };

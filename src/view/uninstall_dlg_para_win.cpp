@@ -1,8 +1,10 @@
 #include "view/uninstall_dlg_para.h"
 
 #include <cstring>
+#include <utility>
 
 #include "orlo/window_helpers.h"
+#include "platform/system_icon.h"
 #include "view/package_commands.h"
 #include "view/resource_ids.h"
 
@@ -39,6 +41,14 @@ void UninstallDlgPara::enable_actions() const {
   }
 }
 
+void UninstallDlgPara::show_icon(const UninstallEntry* entry) {
+  std::unique_ptr<Icon> icon = entry != nullptr && load_icon ? load_icon(*entry) : nullptr;
+  const HICON shown = icon ? handle(*icon) : nullptr;
+  SendDlgItemMessageA(hwnd, IDC_PANE_ICON, STM_SETICON, reinterpret_cast<WPARAM>(shown), 0);
+  // The former one goes once it isn't shown any more.
+  icon_ = std::move(icon);
+}
+
 void UninstallDlgPara::updateControls() {
   const HWND search = GetDlgItem(hwnd, IDC_SEARCH);
   if (partial) {
@@ -49,6 +59,7 @@ void UninstallDlgPara::updateControls() {
   for (const auto& field : kFields) {
     show_text(GetDlgItem(hwnd, field.control), entry != nullptr ? entry->*field.text : String());
   }
+  show_icon(entry);
   enable_actions();
   show_text(search, run.searchText);
 }

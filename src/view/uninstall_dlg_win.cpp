@@ -10,6 +10,7 @@
 #include "orlo/exception.h"
 #include "orlo/window_helpers.h"
 #include "persist/configuration.h"
+#include "persist/entry_icon.h"
 #include "persist/history.h"
 #include "persist/window_pos.h"
 #include "view/resource_ids.h"
@@ -135,7 +136,10 @@ UninstallDlg::UninstallDlg(HWND window, std::unique_ptr<UninstallDlgPara> dialog
       frame_({window, open_boxes_, cycle_, [this] { return closing || ending(); },
               [this] { requestRefresh(); }}),
       actions_({services.reader.files, services.shell, services.reader.registry, frame_},
-               [&resources](unsigned id) { return resources.text(id); }) {
+               [&resources](unsigned id) { return resources.text(id); }),
+      icons_({window, list_.window(), model_, listLock, services.icons, services.reader.files, run_,
+              services.reader.apply_thread_language},
+             resources.module()) {
   set_icons();
   set_menu();
   set_resize_rules();
@@ -143,6 +147,10 @@ UninstallDlg::UninstallDlg(HWND window, std::unique_ptr<UninstallDlgPara> dialog
   fill_combos();
   para_.hwnd = window;
   para_.find = [this](uint32_t id) { return model_.find(id); };
+  para_.load_icon = [&files = services.reader.files,
+                     &icons = services.icons](const UninstallEntry& entry) {
+    return loadEntryIcon(entry, true, files, icons);
+  };
 }
 
 UninstallDlg::~UninstallDlg() {
@@ -227,6 +235,9 @@ LRESULT UninstallDlg::WndProc(UINT message, WPARAM wparam, LPARAM lparam) {
   switch (message) {
     case kRegistryChanged:
       requestRefresh();
+      return TRUE;
+    case ListIcons::kCall:
+      icons_.answer_call();
       return TRUE;
     case WM_TIMER:
       if (wparam != kPostponedTimer) return Base::WndProc(message, wparam, lparam);
@@ -334,6 +345,7 @@ void UninstallDlg::show_failure(const String& text) {
 void UninstallDlg::refreshed() {
   model_.set_group_view();
   para_.enable_actions();
+  if (!ending()) icons_.start_pass();
   UpdateWindow(list_.window());
 }
 
@@ -347,6 +359,7 @@ void UninstallDlg::shut_down() {
   if (std::exchange(shut_down_, true)) return;
   cycle_.end();
   reader_.stop(ORLO::ActiveObject::WaitMode::pump);
+  icons_.stop();
   actions_.close();
   keep_settings();
 }

@@ -3,11 +3,15 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "orlo/message_wait.h"
+#include "orlo/window_handles.h"
 #include "orlo/window_helpers.h"
+#include "platform/icons.h"
 #include "platform/memory_files.h"
 #include "platform/memory_registry.h"
 #include "platform/memory_shell.h"
@@ -39,7 +43,8 @@ class UninstallDlgTest : public testing::Test {
         resources.module(), resources.dialog(IDD_MAIN), nullptr, [&](HWND made) {
           return std::make_unique<UninstallDlg>(
               made, std::make_unique<UninstallDlgPara>(para), resources,
-              DialogServices{{registry, files, ORLO::system_clock(), false, &no_language}, shell});
+              DialogServices{
+                  {registry, files, ORLO::system_clock(), false, &no_language}, shell, *icons});
         });
     list = GetDlgItem(window, IDC_LIST);
   }
@@ -89,6 +94,7 @@ class UninstallDlgTest : public testing::Test {
   MemoryRegistry registry{MemoryRegistry::View::native};
   MemoryFiles files;
   MemoryShell shell;
+  const std::unique_ptr<IconExtractor> icons = make_system_icon_extractor();
   HWND window = nullptr;
   HWND list = nullptr;
 };
@@ -309,6 +315,30 @@ TEST_F(UninstallDlgTest, ARefreshGoesOnUnderTheWaitCursorAndTheOldStatusLine) {
   EXPECT_STREQ(text_of(IDC_STATUS).c_str(), "2 / 2 packages");
 }
 
+/// Counts what is written into a control while this lives. One at a time.
+class WriteWatch {
+ public:
+  explicit WriteWatch(HWND window) : window_(window) {
+    writes = 0;
+    previous = reinterpret_cast<WNDPROC>(
+        SetWindowLongPtrA(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&WriteWatch::look)));
+  }
+  ~WriteWatch() { SetWindowLongPtrA(window_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(previous)); }
+  WriteWatch(const WriteWatch&) = delete;
+  WriteWatch& operator=(const WriteWatch&) = delete;
+
+  static inline int writes = 0;
+
+ private:
+  static LRESULT CALLBACK look(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_SETTEXT) ++writes;
+    return CallWindowProcA(previous, window, message, wparam, lparam);
+  }
+
+  static inline WNDPROC previous = nullptr;
+  const HWND window_;
+};
+
 class ChoosingUninstallDlgTest : public UninstallDlgTest {
  protected:
   ChoosingUninstallDlgTest() {
@@ -333,6 +363,22 @@ class ChoosingUninstallDlgTest : public UninstallDlgTest {
   }
   bool enabled(int control) const { return IsWindowEnabled(GetDlgItem(window, control)) != FALSE; }
   bool count_is(const char* text) const { return std::string(text_of(IDC_STATUS).c_str()) == text; }
+  /// Lets messages flow until something holds; false if it never did.
+  static bool pump_until(const std::function<bool()>& holds) {
+    for (int i = 0; i < 1000 && !holds(); ++i)
+      ORLO::sleep_with_messages(10);
+    return holds();
+  }
+  int image_of(int row) const {
+    LVITEMA item = {};
+    item.mask = LVIF_IMAGE;
+    item.iItem = row;
+    SendMessageA(list, LVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&item));
+    return item.iImage;
+  }
+  HICON pane_icon() const {
+    return reinterpret_cast<HICON>(SendDlgItemMessageA(window, IDC_PANE_ICON, STM_GETICON, 0, 0));
+  }
 };
 
 TEST_F(ChoosingUninstallDlgTest, TheButtonsFollowTheChosenPackage) {
@@ -438,6 +484,75 @@ TEST_F(ChoosingUninstallDlgTest, TheLocationIsOpened) {
   EXPECT_EQ(shell.starts()[0].file, "C:\\birch");
   EXPECT_EQ(shell.starts()[0].owner, window);
   EXPECT_FALSE(shell.starts()[0].waits);
+}
+
+/// The test program itself has an icon.
+std::u16string own_icon() {
+  char16_t path[MAX_PATH] = u"";
+  GetModuleFileNameW(nullptr, reinterpret_cast<wchar_t*>(path), MAX_PATH);
+  return std::u16string(path) + u",0";
+}
+
+TEST_F(ChoosingUninstallDlgTest, ThePaneShowsTheIconOfTheChosenPackageOnly) {
+  set("Birch", "DisplayIcon", own_icon().c_str());
+  refresh_by_change();
+  EXPECT_EQ(pane_icon(), nullptr);
+  choose(0);
+  EXPECT_NE(pane_icon(), nullptr);
+  choose(1);
+  EXPECT_EQ(pane_icon(), nullptr);
+}
+
+TEST_F(ChoosingUninstallDlgTest, ASearchThatFindsNothingTakesThePanesIcon) {
+  set("Birch", "DisplayIcon", own_icon().c_str());
+  refresh_by_change();
+  choose(0);
+  SetDlgItemTextA(window, IDC_SEARCH, "nothing of that kind");
+  EXPECT_EQ(pane_icon(), nullptr);
+}
+
+TEST_F(ChoosingUninstallDlgTest, ThePanesFormerIconGoesWithEachChoice) {
+  set("Birch", "DisplayIcon", own_icon().c_str());
+  refresh_by_change();
+  choose(0);
+  // The list's icons have been loaded once a pass has ended.
+  pump_until([&] { return image_of(0) > 0; });
+  const int before = ORLO::OwnedIcon::live();
+  for (int i = 0; i < 250; ++i) {
+    choose(1);
+    EXPECT_EQ(ORLO::OwnedIcon::live(), before - 1);
+    choose(0);
+    ASSERT_EQ(ORLO::OwnedIcon::live(), before);
+  }
+}
+
+TEST_F(ChoosingUninstallDlgTest, TheListShowsIconsWithoutBeingAsked) {
+  set("Birch", "DisplayIcon", own_icon().c_str());
+  refresh_by_change();
+  EXPECT_TRUE(pump_until([&] { return image_of(0) == 1; }));
+  EXPECT_EQ(image_of(1), 0);
+  const auto images =
+      reinterpret_cast<HIMAGELIST>(SendMessageA(list, LVM_GETIMAGELIST, LVSIL_SMALL, 0));
+  EXPECT_EQ(ImageList_GetImageCount(images), 2);
+}
+
+TEST_F(ChoosingUninstallDlgTest, AFieldThatStaysTheSameIsNotWritten) {
+  set("Birch", "DisplayVersion", u"1.5");
+  set("Alder", "DisplayVersion", u"1.5");
+  refresh_by_change();
+  choose(0);
+  ASSERT_STREQ(text_of(IDC_VERSION).c_str(), "1.5");
+  const WriteWatch version(GetDlgItem(window, IDC_VERSION));
+  choose(1);
+  ASSERT_STREQ(text_of(IDC_NAME).c_str(), "Alder");
+  EXPECT_EQ(WriteWatch::writes, 0);
+  SetDlgItemTextA(window, IDC_VERSION, "other");
+  EXPECT_EQ(WriteWatch::writes, 1);
+}
+
+TEST_F(ChoosingUninstallDlgTest, ACallThatNobodyWaitsForIsNone) {
+  SendMessageA(window, ListIcons::kCall, 1, 1);
+  EXPECT_TRUE(count_is("2 / 2 packages"));
 }
 
 TEST_F(ChoosingUninstallDlgTest, NothingIsCopiedBeforeACellWasClicked) {

@@ -122,5 +122,6 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR command_line, int) {
   held = &held_registry;
   const HeldClock clock(ORLO::system_clock(), points);
   const auto shell = make_system_shell();
-  return run_program(instance, command_line, {held_registry, *files, clock, *shell});
+  const auto icons = make_system_icon_extractor();
+  return run_program(instance, command_line, {held_registry, *files, clock, *shell, *icons});
 }
