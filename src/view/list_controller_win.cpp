@@ -19,11 +19,6 @@ ListController::ListController(HWND list, HeaderMenu header_menu, KeyMenu key_me
 
 LRESULT ListController::WndProc(UINT message, WPARAM wparam, LPARAM lparam) {
   if (message == WM_CONTEXTMENU && asked_for_menu(reinterpret_cast<HWND>(wparam), lparam)) return 0;
-  // Not every system makes a request of the menu key.
-  if (message == WM_KEYUP && wparam == VK_APPS) {
-    key_menu_();
-    return 0;
-  }
   return SubclassController::WndProc(message, wparam, lparam);
 }
 

@@ -59,12 +59,6 @@ TEST_F(ListControllerTest, TellsOfTheMenuKey) {
   EXPECT_TRUE(asked.empty());
 }
 
-TEST_F(ListControllerTest, TheKeysThatAskForAMenuDoSo) {
-  const auto controller = make();
-  SendMessageA(list, WM_KEYUP, VK_APPS, 0);
-  EXPECT_EQ(asked_by_key, 1);
-}
-
 TEST_F(ListControllerTest, TheListWorksOnWithoutIt) {
   { const auto controller = make(); }
   ask_for_menu(header(), 40, 50);
