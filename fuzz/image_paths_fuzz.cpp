@@ -69,7 +69,7 @@ void check(const Entries& read, const std::string& bytes) {
     demand(!spec.empty() && spec.find('\n') == std::string::npos);
     demand(spec.find_first_of(" \t\v\f\r") != 0);
     demand(bytes.find(spec) != std::string::npos);
-    demand(bytes.find(std::to_string(image).substr(image < 0 ? 1 : 0)) != std::string::npos);
+    demand(bytes.find(std::to_string(image).substr(image < 0 ? 1u : 0u)) != std::string::npos);
   }
 }
 
