@@ -12,6 +12,7 @@ from support.driver import Driver
 from support.prefix import Prefix, make_template
 from support.program import Desk
 from support.screen import Screen
+from support.setups import Setups
 
 ROOT = Path(__file__).resolve().parents[2]
 BINARIES = Path(os.environ.get("ZOLVANE_BINARIES", ROOT / "build/win32"))
@@ -69,7 +70,7 @@ def template(screen):
 
 @pytest.fixture(scope="session", autouse=True)
 def binaries():
-    for name in ("zolvane.exe", "zolvane-driver.exe", "zolvane-probe.dll"):
+    for name in ("zolvane.exe", "zolvane-driver.exe", "zolvane-probe.dll", "zolvane-installer.exe"):
         assert (BINARIES / name).exists(), f"{BINARIES / name} isn't built"
 
 
@@ -97,3 +98,16 @@ def make_desk(screen, template):
     """A context manager: make_desk(keys, usages, files, lc_all, dpi) gives a Desk and clears it
     away."""
     return functools.partial(desk_on, screen, template)
+
+
+@pytest.fixture(scope="module")
+def module_setups(make_desk):
+    with make_desk() as desk:
+        yield Setups(desk, BINARIES)
+
+
+@pytest.fixture
+def setups(module_setups):
+    """The module's prefix with installers in it, cleared of what a test has left running."""
+    yield module_setups
+    module_setups.end()

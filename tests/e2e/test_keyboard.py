@@ -171,7 +171,7 @@ def test_enter_does_nothing_outside_the_buttons(desk, program):
 def test_a_button_acts_by_its_key(desk, program, language):
     program.choose_row(0)
     program.press_key(UNINSTALL_KEY[language])
-    close_by_key(desk, program, wait_for_box(desk, program), "Return")
+    close_by_key(desk, program, wait_for_box(desk, program, "Uninstallation"), "Escape")
 
 
 def test_nothing_happens_by_alt_and_x(desk, program):

@@ -70,8 +70,8 @@ void adopt(DWORD id) {
   if (KernelHandle process{OpenProcess(rights, FALSE, id)}) started()[id] = std::move(process);
 }
 
-/// processes NAME: the ids of the running programs of this file name, which then count as started
-/// here.
+/// processes NAME: the ids of the running programs of this file name, in letters of any
+/// case, which then count as started here.
 void list_processes(const Words& words, Json& answer) {
   const HANDLE taken = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
   if (taken == INVALID_HANDLE_VALUE) throw Refusal("no list of processes");
@@ -80,7 +80,7 @@ void list_processes(const Words& words, Json& answer) {
   entry.dwSize = sizeof entry;
   answer.begin_array();
   for (BOOL more = Process32First(taken, &entry); more; more = Process32Next(taken, &entry)) {
-    if (words.text(1) != entry.szExeFile) continue;
+    if (lstrcmpiA(words.text(1).c_str(), entry.szExeFile) != 0) continue;
     adopt(entry.th32ProcessID);
     answer.number(entry.th32ProcessID);
   }
