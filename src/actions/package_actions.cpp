@@ -1,6 +1,8 @@
 #include "actions/package_actions.h"
 
+#include <algorithm>
 #include <cstring>
+#include <string>
 #include <utility>
 
 #include "actions/shell_command.h"
@@ -8,14 +10,34 @@
 
 namespace {
 
-// What a box can show of one name.
+// What a box can show of one name: in all, and of it without a place where the line can be broken.
 constexpr size_t kNameInBox = 500;
+constexpr size_t kUnbrokenInBox = 100;
 constexpr char kEllipsis[] = "...";
 
-String shortened(const String& text) {
-  if (text.length() <= kNameInBox) return text;
+bool is_blank(char c) {
+  return static_cast<unsigned char>(c) <= ' ';
+}
+
+/// How much of a name fits into a box.
+size_t length_in_box(const char* name) {
   const size_t kept = kNameInBox - std::strlen(kEllipsis);
-  return String(text.c_str(), kept, kEllipsis, std::strlen(kEllipsis));
+  size_t unbroken = 0;
+  for (size_t at = 0; name[at] != '\0'; ++at) {
+    unbroken = is_blank(name[at]) ? 0 : unbroken + 1;
+    if (unbroken > kUnbrokenInBox) return at;
+    if (at >= kNameInBox) return kept;
+  }
+  return std::strlen(name);
+}
+
+/// The name as a box can show it, in one paragraph.
+String shortened(const String& name) {
+  const size_t length = length_in_box(name.c_str());
+  std::string shown(name.c_str(), length);
+  std::replace_if(shown.begin(), shown.end(), &is_blank, ' ');
+  if (name.c_str()[length] != '\0') shown += kEllipsis;
+  return shown.c_str();
 }
 
 /// Some products register the command that installs them.
@@ -102,12 +124,16 @@ bool PackageActions::run_and_wait(const String& command) {
   return !parts_.frame.closing();
 }
 
-/// False if the program is to quit.
+/// False if the program is to quit. What can't be waited for counts as ended.
 bool PackageActions::wait_for_end(ORLO::Waitable& process) {
   ORLO::Waitable* const items[] = {&process, &closeEvent};
   int result = ORLO::kWaitOvertaken;
-  while (result == ORLO::kWaitOvertaken)
-    result = wait_(items, 2, ORLO::kInfinite);
+  try {
+    while (result == ORLO::kWaitOvertaken)
+      result = wait_(items, 2, ORLO::kInfinite);
+  } catch (const ORLO::LWE&) {
+    return true;
+  }
   if (result == 1) closeEvent.set();
   return result != ORLO::kWaitQuit;
 }

@@ -509,13 +509,46 @@ TEST_F(PackageActionsTest, AnEntryWithoutAKeyNameDoesNotRemoveTheKeyOfAll) {
   EXPECT_EQ(frame_.refreshes, 0);
 }
 
+/// A text of words of 9 letters.
+std::string words(char letter, size_t length) {
+  std::string text(length, letter);
+  for (size_t at = 9; at < length; at += 10)
+    text[at] = ' ';
+  return text;
+}
+
+TEST_F(PackageActionsTest, AProcessThatCannotBeWaitedForIsFollowedByARefresh) {
+  scripted = [](Items, size_t) -> int { throw ORLO::LWE(); };
+  actions_.modify(plain_entry());
+  actions_.uninstall(plain_entry());
+  EXPECT_EQ(frame_.refreshes, 2);
+  EXPECT_EQ(shell_.owned_processes(), 0u);
+}
+
+TEST_F(PackageActionsTest, QuestionsHold100CharactersWithoutABlank) {
+  UninstallEntry entry = plain_entry();
+  entry.displayName = "a " + std::string(100, 'b') + " c";
+  actions_.uninstall(entry);
+  entry.displayName = "a " + std::string(101, 'b') + " c";
+  actions_.uninstall(entry);
+  const std::string start = "confirm Uninstallation: un a " + std::string(100, 'b');
+  EXPECT_EQ(frame_.boxes[0], start + " c [birch]");
+  EXPECT_EQ(frame_.boxes[1], start + "... [birch]");
+}
+
+TEST_F(PackageActionsTest, QuestionsShowANameInOneParagraph) {
+  UninstallEntry entry = plain_entry();
+  entry.displayName = "a\r\nb\tc\x01 d";
+  actions_.uninstall(entry);
+  EXPECT_EQ(frame_.boxes[0], "confirm Uninstallation: un a  b c  d [birch]");
+}
+
 TEST_F(PackageActionsTest, QuestionsCutLongNamesButCommandsDoNot) {
   UninstallEntry entry = msi_entry();
-  entry.displayName = std::string(100'000, 'd');
+  entry.displayName = words('d', 100'000);
   entry.name = std::string(501, 'n');
   actions_.uninstall(entry);
-  const std::string shown =
-      "un " + std::string(497, 'd') + "... [" + std::string(497, 'n') + "...]";
+  const std::string shown = "un " + words('d', 497) + "... [" + std::string(100, 'n') + "...]";
   EXPECT_EQ(frame_.boxes[0], "confirm Uninstallation: " + shown);
   EXPECT_EQ(starts(), "msiexec.exe|/x " + std::string(501, 'n'));
   actions_.repair(entry);
@@ -526,9 +559,9 @@ TEST_F(PackageActionsTest, QuestionsCutLongNamesButCommandsDoNot) {
 
 TEST_F(PackageActionsTest, QuestionsHoldNamesOf500CharactersWhole) {
   UninstallEntry entry = plain_entry();
-  entry.displayName = std::string(500, 'd');
+  entry.displayName = words('d', 500);
   actions_.uninstall(entry);
-  EXPECT_EQ(frame_.boxes[0], "confirm Uninstallation: un " + std::string(500, 'd') + " [birch]");
+  EXPECT_EQ(frame_.boxes[0], "confirm Uninstallation: un " + words('d', 500) + " [birch]");
 }
 
 TEST_F(PackageActionsTest, ALongKeyNameIsNotCutOnItsWayToTheRegistry) {

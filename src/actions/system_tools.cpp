@@ -61,12 +61,17 @@ SystemTools::SystemTools(const Parts& parts, ToolTexts texts, String cleanup_pag
       orcaCommand(find_orca(parts.registry)) {}
 
 void SystemTools::msi_cleanup() {
-  const ORLO::ExceptionContext context(kMsiCleanup);
   const String command = cleanup_command();
-  if (!command.empty()) {
-    open_busy(command);
-  } else if (parts_.frame.ask(texts_.ask_cleanup_page, kMsiCleanup) && !parts_.frame.closing()) {
+  if (command.empty()) {
+    const bool page_wanted = parts_.frame.ask(texts_.ask_cleanup_page, kMsiCleanup);
+    if (!page_wanted || parts_.frame.closing()) return;
+  }
+  // After the question: what fails beneath it isn't this.
+  const ORLO::ExceptionContext context(kMsiCleanup);
+  if (command.empty()) {
     open(cleanup_page_);
+  } else {
+    open_busy(command);
   }
 }
 

@@ -50,19 +50,13 @@ void RefreshCycle::requestRefresh() {
 void RefreshCycle::run_noted() {
   if (refreshing_ || ended_) return;
   const Flagged refreshing(refreshing_);
-  afresh_due_ = follow_due_ = false;
+  afresh_due_ = false;
   bool finished = run_whole();
-  while (finished && !ended_ && prepare_another())
+  while (finished && !ended_ && std::exchange(afresh_due_, false)) {
+    forget();
     finished = run_whole();
+  }
   if (finished) parts_.frame.refreshed();
-}
-
-/// False if none is due.
-bool RefreshCycle::prepare_another() {
-  const bool follows = std::exchange(follow_due_, false);
-  const bool afresh = std::exchange(afresh_due_, false);
-  if (afresh) forget();
-  return follows || afresh;
 }
 
 void RefreshCycle::requestAfresh() {
@@ -71,6 +65,8 @@ void RefreshCycle::requestAfresh() {
 }
 
 void RefreshCycle::run_noted_afresh() {
+  // Who waits already to forget forgets this, too.
+  if (forgetting_) return;
   // What is forgotten now wouldn't come again.
   if (!ended_) forget();
   afresh_due_ = true;
@@ -79,6 +75,7 @@ void RefreshCycle::run_noted_afresh() {
 
 /// Does nothing if the program is told to quit before the list is free.
 void RefreshCycle::forget() {
+  const Flagged forgetting(forgetting_);
   const ORLO::LockWithMessages held(parts_.listLock);
   if (!held) return;
   parts_.frame.forget_entries();

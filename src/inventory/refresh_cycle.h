@@ -68,9 +68,6 @@ class RefreshCycle {
   void note_request() noexcept { ++refresh_count_; }
   void run_noted();
   void run_noted_afresh();
-  /// Another cycle follows the one that runs, as what that one has read is no longer the state of
-  /// things.
-  void follow() noexcept { follow_due_ = true; }
   bool refreshing() const noexcept { return refreshing_; }
   unsigned refreshCount() const noexcept { return refresh_count_; }
   /// From here on no cycle starts; one that runs goes on to its end.
@@ -78,7 +75,6 @@ class RefreshCycle {
 
  private:
   void forget();
-  bool prepare_another();
   bool run_whole();
   bool run();
   bool run_locked();
@@ -93,5 +89,5 @@ class RefreshCycle {
   bool refreshing_ = false;
   bool ended_ = false;
   bool afresh_due_ = false;
-  bool follow_due_ = false;
+  bool forgetting_ = false;  ///< somebody waits for the list, to forget what it has
 };

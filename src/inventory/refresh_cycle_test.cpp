@@ -460,31 +460,6 @@ TEST_F(RefreshCycleTest, NotedRequestsAreCountedAndTheirRunIsNone) {
   EXPECT_EQ(std::count(frame_.log.begin(), frame_.log.end(), "forget"), 1);
 }
 
-TEST_F(RefreshCycleTest, CycleWhoseStateIsOutOfDateIsFollowedByOneMore) {
-  start();
-  bool once = true;
-  frame_.at_counts = [&] {
-    if (std::exchange(once, false)) cycle_->follow();
-  };
-  cycle_->requestRefresh();
-  EXPECT_EQ(std::count(frame_.log.begin(), frame_.log.end(), "counts"), 2);
-  EXPECT_EQ(std::count(frame_.log.begin(), frame_.log.end(), "refreshed"), 1);
-  EXPECT_EQ(cycle_->refreshCount(), 1u);
-  // The wish is used up.
-  cycle_->requestRefresh();
-  EXPECT_EQ(std::count(frame_.log.begin(), frame_.log.end(), "counts"), 3);
-}
-
-TEST_F(RefreshCycleTest, NothingFollowsAfterTheEnd) {
-  start();
-  frame_.at_counts = [&] {
-    cycle_->follow();
-    cycle_->end();
-  };
-  cycle_->requestRefresh();
-  EXPECT_EQ(std::count(frame_.log.begin(), frame_.log.end(), "counts"), 1);
-}
-
 TEST_F(RefreshCycleTest, RequestAfterTheEndIsOnlyCounted) {
   start();
   cycle_->end();

@@ -6,7 +6,7 @@
 #include "orlo/core_resources.h"
 #include "orlo/exception.h"
 #include "orlo/message_loop.h"
-#include "orlo/thread_record.h"
+#include "orlo/modal_scope.h"
 
 namespace ORLO {
 namespace {
@@ -16,18 +16,6 @@ constexpr unsigned kFrameAbout = 0x8000;
 constexpr unsigned kFrameClose = 0x8001;
 
 constexpr INT_PTR kNeverCameUp = -1;
-
-/// A modal dialog's own message loop lies between the waits inside it and those around it.
-class ModalScope {
- public:
-  ModalScope() noexcept : outer_depth_(std::exchange(current_thread_record().wait_depth, 0)) {}
-  ~ModalScope() { current_thread_record().wait_depth = outer_depth_; }
-  ModalScope(const ModalScope&) = delete;
-  ModalScope& operator=(const ModalScope&) = delete;
-
- private:
-  const int outer_depth_;
-};
 
 /// Messages whose result a dialog procedure returns by itself.
 bool returns_its_result(UINT message) {

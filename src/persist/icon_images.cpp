@@ -16,5 +16,5 @@ int32_t IconImages::ImageIndexOf(const UninstallEntry& entry) {
 
 int32_t IconImages::drawn_image(const UninstallEntry& entry) {
   const int32_t image = ImageIndexOf(entry);
-  return image < count_ ? image : kDefaultImage;
+  return drawn_index(image, count_);
 }

@@ -25,6 +25,6 @@ class IconImages {
   ImageList& images_;
   IconExtractor& extractor_;
   Files& files_;
-  /// Of the images. Asking the list each time may be a message to another thread.
+  /// Of the images, which nobody else appends to.
   int32_t count_;
 };

@@ -67,9 +67,8 @@ int IconUpdater::Run() {
   while (!stop_requested()) {
     ORLO::Waitable* const items[] = {&wakeEvent, &finish_signal()};
     ORLO::wait_any(items, 2, ORLO::kInfinite);
-    if (stop_requested()) break;
     const SignalAtEnd done(doneEvent);
-    guarded_pass();
+    if (!stop_requested()) guarded_pass();
   }
   return 0;
 }
@@ -85,22 +84,29 @@ void IconUpdater::guarded_pass() {
 }
 
 void IconUpdater::pass() {
-  const ImageIndexMap map = update_rows();
-  if (!stop_requested()) write_icon_cache(parts_.para, map, parts_.images);
+  ImageIndexMap kept;
+  while (!update_rows(kept)) {
+  }
+  if (!stop_requested()) write_icon_cache(parts_.para, kept, parts_.images);
 }
 
-/// The map as the pass leaves it: the main thread may change it once the lock is free.
-ImageIndexMap IconUpdater::update_rows() {
-  if (!enter_lock()) return {};
+/// `kept` becomes the map as the pass leaves it: the main thread may change it once the lock is
+/// free. False if the pass was broken off by a pause. Nothing is extracted twice, as the map keeps
+/// what has been loaded by then.
+bool IconUpdater::update_rows(ImageIndexMap& kept) {
+  if (!enter_lock()) return true;
   const Entered hold(parts_.lock);
+  bool whole = true;
   IconImages icons(parts_.map, parts_.images, parts_.extractor, parts_.files);
   parts_.rows.visit_icons([&](IconRows::Row& row) {
-    if (stop_requested()) return false;
+    whole = pauses_ == 0;
+    if (stop_requested() || !whole) return false;
     update_row(row, icons.drawn_image(row.entry));
     return true;
   });
-  const bool wanted = keeps_icons(parts_.para) && !stop_requested();
-  return wanted ? parts_.map : ImageIndexMap();
+  if (stop_requested()) return true;
+  if (whole && keeps_icons(parts_.para)) kept = parts_.map;
+  return whole;
 }
 
 void IconUpdater::update_row(IconRows::Row& row, int32_t image) {
@@ -112,7 +118,7 @@ void IconUpdater::update_row(IconRows::Row& row, int32_t image) {
 /// Without blocking in it: whoever holds the lock may be stopping this thread. False if so.
 bool IconUpdater::enter_lock() {
   while (!stop_requested()) {
-    if (parts_.lock.try_enter()) return true;
+    if (pauses_ == 0 && parts_.lock.try_enter()) return true;
     ORLO::wait_for(finish_signal(), kRetryMilliseconds);
   }
   return false;

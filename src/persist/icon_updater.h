@@ -58,6 +58,19 @@ class IconUpdater : public ORLO::ActiveFinisher {
 
   /// Asks for a pass; starts the thread the first time.
   void start_pass();
+  /// While one lives no pass goes on: who waits for the lock gets it soon. The rest of a pass that
+  /// was broken off is made up for afterwards.
+  class Pause {
+   public:
+    explicit Pause(IconUpdater& updater) noexcept : updater_(updater) { ++updater_.pauses_; }
+    ~Pause() { --updater_.pauses_; }
+    Pause(const Pause&) = delete;
+    Pause& operator=(const Pause&) = delete;
+
+   private:
+    IconUpdater& updater_;
+  };
+
   /// Signalled at the end of each pass.
   ORLO::Event& done_event() noexcept { return doneEvent; }
   /// True from the first start_pass() to the end of the thread.
@@ -69,7 +82,7 @@ class IconUpdater : public ORLO::ActiveFinisher {
  private:
   void guarded_pass();
   void pass();
-  ImageIndexMap update_rows();
+  bool update_rows(ImageIndexMap& kept);
   void update_row(IconRows::Row& row, int32_t image);
   bool enter_lock();
 
@@ -77,4 +90,5 @@ class IconUpdater : public ORLO::ActiveFinisher {
   ORLO::Event wakeEvent;
   ORLO::Event doneEvent;
   std::atomic<bool> busy{false};
+  std::atomic<int> pauses_{0};
 };

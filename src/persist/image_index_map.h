@@ -12,3 +12,9 @@ using ImageIndexMap = std::map<String, int32_t, ByteOrder>;
 
 inline constexpr int32_t kImageNotLoaded = -1;
 inline constexpr int32_t kDefaultImage = 0;
+
+/// A number that was kept by an earlier run may lead beyond the images: then the default one is
+/// drawn.
+inline int32_t drawn_index(int32_t image, int32_t count) noexcept {
+  return image < count ? image : kDefaultImage;
+}

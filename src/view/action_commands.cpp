@@ -33,6 +33,20 @@ constexpr struct {
     {ID_ORCA, &SystemTools::orca},
 };
 
+using Opening = void (*)(SystemTools& tools, const CommandContext& at);
+
+// For the chosen package, or the cell that was clicked.
+constexpr struct {
+  unsigned command;
+  Opening run;
+} kOpenings[] = {
+    {ID_OPEN_WITH_ORCA,
+     [](SystemTools& tools, const CommandContext& at) { tools.open_with_orca(*at.current); }},
+    {ID_LAUNCH_URL, [](SystemTools& tools, const CommandContext& at) { tools.open(at.url); }},
+    {ID_OPEN_FOLDER,
+     [](SystemTools& tools, const CommandContext& at) { tools.open(at.current->installLocation); }},
+};
+
 template <typename Rows>
 const auto* find_row(const Rows& rows, unsigned command) {
   const auto* const end = std::end(rows);
@@ -57,24 +71,23 @@ ActionCommands::ActionCommands(const Parts& parts, const TextOf& text_of)
       tools_({parts.files, parts.shell, parts.registry, parts.frame}, tool_texts(text_of),
              ZOLVANE_CLEANUP_TOOL_PAGE) {}
 
+bool ActionCommands::is_package_action(unsigned command) noexcept {
+  return find_row(kActions, command) != nullptr;
+}
+
 bool ActionCommands::run(unsigned command, const CommandContext& at) {
   if (const auto* const action = find_row(kActions, command)) {
-    // The record may go while the action runs.
-    if (at.current != nullptr) (actions_.*action->run)(UninstallEntry(*at.current));
+    if (at.current != nullptr) (actions_.*action->run)(*at.current);
     return true;
   }
-  if (const auto* const tool = find_row(kTools, command)) {
-    if (can_run(command, at)) (tools_.*tool->run)();
-    return true;
-  }
-  if (command != ID_OPEN_WITH_ORCA && command != ID_LAUNCH_URL && command != ID_OPEN_FOLDER) {
-    return false;
-  }
+  const auto* const tool = find_row(kTools, command);
+  const auto* const opening = find_row(kOpenings, command);
+  if (tool == nullptr && opening == nullptr) return false;
   if (!can_run(command, at)) return true;
-  if (command == ID_OPEN_WITH_ORCA) {
-    tools_.open_with_orca(UninstallEntry(*at.current));
+  if (tool != nullptr) {
+    (tools_.*tool->run)();
   } else {
-    tools_.open(command == ID_LAUNCH_URL ? at.url : String(at.current->installLocation));
+    opening->run(tools_, at);
   }
   return true;
 }

@@ -23,9 +23,12 @@ class ActionCommands {
 
   ActionCommands(const Parts& parts, const TextOf& text_of);
 
-  /// Does what the command is for, and returns when that is over; false if it is none of these.
-  /// With nothing to do it for it does nothing.
+  /// Does what the command is for, and returns when that is over. Does nothing if there is nothing
+  /// to do it for. False if the command is none of these. The package must stay while the command
+  /// runs.
   bool run(unsigned command, const CommandContext& at);
+  /// Whether it waits for what it starts, and changes what a refresh reads.
+  static bool is_package_action(unsigned command) noexcept;
   bool has_orca() const noexcept { return tools_.has_orca(); }
   /// Ends every wait for an installer, now and from now on.
   void close() noexcept { actions_.close(); }

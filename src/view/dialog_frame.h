@@ -2,7 +2,8 @@
 #pragma once
 
 #include <functional>
-#include <optional>
+#include <memory>
+#include <vector>
 
 #include "actions/action_frame.h"
 #include "inventory/refresh_cycle.h"
@@ -12,7 +13,6 @@ class DialogFrame : public ActionFrame {
  public:
   struct Parts {
     HWND window;
-    int& open_boxes;  ///< counts the boxes, so that the end of the program can close them
     const RefreshCycle& cycle;
     std::function<bool()> closing;
     std::function<void()> requestRefresh;
@@ -25,19 +25,25 @@ class DialogFrame : public ActionFrame {
   bool confirm(const String& text, const String& title) override;
   bool ask(const String& text, const String& title) override;
   void warn(const String& text, const String& title) override;
-  void begin_wait_cursor() override { wait_cursor_.emplace(); }
-  void end_wait_cursor() noexcept override { wait_cursor_.reset(); }
+  void begin_wait_cursor() override;
+  void end_wait_cursor() noexcept override { wait_cursors_.pop_back(); }
   unsigned refreshCount() const override { return parts_.cycle.refreshCount(); }
   bool closing() const override { return parts_.closing(); }
   void requestRefresh() override { parts_.requestRefresh(); }
+
+  /// A box that says something about what the user wants.
+  void inform(const String& text, const String& title);
+  /// Opens a dialog of the window's and waits for its end. None opens any more, neither here nor
+  /// above, when the window is closing.
+  void show(const std::function<void()>& open);
+  /// Ends every box and dialog that is open: closes it, or answers No where a question can't be
+  /// closed. False if there is none.
+  bool close_boxes() const;
 
  private:
   int box(const String& text, const String& title, unsigned flags);
 
   const Parts parts_;
-  std::optional<ORLO::WaitCursor> wait_cursor_;
+  int open_boxes_ = 0;
+  std::vector<std::unique_ptr<ORLO::WaitCursor>> wait_cursors_;
 };
-
-/// Ends what was opened from a window, maybe by way of others: closes it, or answers No where a
-/// question can't be closed.
-void close_boxes_above(HWND window);

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "orlo/modal_scope.h"
+
 namespace {
 
 class Counted {
@@ -26,6 +28,7 @@ void end_box(HWND box) {
   }
 }
 
+/// Above: opened, maybe by way of others, from the main window.
 BOOL CALLBACK end_if_above(HWND window, LPARAM main_window) {
   const auto base = reinterpret_cast<HWND>(main_window);
   if (window != base && IsWindowVisible(window) && GetAncestor(window, GA_ROOTOWNER) == base) {
@@ -38,9 +41,27 @@ BOOL CALLBACK end_if_above(HWND window, LPARAM main_window) {
 
 DialogFrame::DialogFrame(Parts parts) : parts_(std::move(parts)) {}
 
+void DialogFrame::show(const std::function<void()>& open) {
+  if (parts_.closing()) return;
+  const Counted counted(open_boxes_);
+  open();
+}
+
 int DialogFrame::box(const String& text, const String& title, unsigned flags) {
-  const Counted open(parts_.open_boxes);
-  return MessageBoxA(parts_.window, text.c_str(), title.c_str(), flags);
+  int answer = 0;
+  show([&] {
+    const ORLO::ModalScope modal;
+    answer = MessageBoxA(parts_.window, text.c_str(), title.c_str(), flags);
+  });
+  return answer;
+}
+
+void DialogFrame::begin_wait_cursor() {
+  wait_cursors_.push_back(std::make_unique<ORLO::WaitCursor>());
+}
+
+void DialogFrame::inform(const String& text, const String& title) {
+  box(text, title, MB_ICONINFORMATION);
 }
 
 bool DialogFrame::confirm(const String& text, const String& title) {
@@ -55,6 +76,8 @@ void DialogFrame::warn(const String& text, const String& title) {
   box(text, title, MB_ICONWARNING);
 }
 
-void close_boxes_above(HWND window) {
-  EnumThreadWindows(GetCurrentThreadId(), &end_if_above, reinterpret_cast<LPARAM>(window));
+bool DialogFrame::close_boxes() const {
+  if (open_boxes_ == 0) return false;
+  EnumThreadWindows(GetCurrentThreadId(), &end_if_above, reinterpret_cast<LPARAM>(parts_.window));
+  return true;
 }

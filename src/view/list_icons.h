@@ -10,8 +10,9 @@
 #include "platform/system_image_list.h"
 #include "view/list_model.h"
 
-/// Lives on the main thread. What the updater's thread asks of the list and of its images is done
-/// on the main thread, as the control draws from them there.
+/// Lives on the main thread. What changes the list or its images is done there, too, as the control
+/// draws from them: the updater's thread has it done by a sent message. It only reads the images
+/// itself, and nobody changes them but through it.
 class ListIcons : private ImageList, private IconLines {
  public:
   struct Parts {
@@ -31,11 +32,19 @@ class ListIcons : private ImageList, private IconLines {
   ListIcons(const Parts& parts, HINSTANCE module);
   ~ListIcons() override;
 
+  /// Gives the list's lock to the main thread for a scope, though a pass may be going on.
+  class Pause : public IconUpdater::Pause {
+   public:
+    explicit Pause(ListIcons& icons) noexcept : IconUpdater::Pause(*icons.updater_) {}
+  };
+
   /// Has the icons loaded that the list doesn't have yet.
   void start_pass() { updater_->start_pass(); }
   /// Signalled at the end of each pass.
   ORLO::Event& done_event() noexcept { return updater_->done_event(); }
-  /// Waits for the thread's end while messages flow.
+  /// Asks the thread to end.
+  void begin_stop() { updater_->stop(ORLO::ActiveObject::WaitMode::none); }
+  /// Waits for its end, too, while messages flow.
   void stop() { updater_->stop(ORLO::ActiveObject::WaitMode::pump); }
   /// Does what the updater's thread waits for, if it waits for anything.
   void answer_call();
@@ -53,6 +62,7 @@ class ListIcons : private ImageList, private IconLines {
 
   const HWND dialog_;
   const HWND list_;
+  ListModel& model_;
   std::unique_ptr<ImageList> images_;
   std::atomic<const Work*> awaited_{nullptr};
   std::unique_ptr<IconUpdater> updater_;

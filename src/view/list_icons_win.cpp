@@ -6,22 +6,23 @@
 #include "view/resource_ids.h"
 
 ListIcons::ListIcons(const Parts& parts, HINSTANCE module)
-    : dialog_(parts.dialog), list_(parts.list) {
+    : dialog_(parts.dialog), list_(parts.list), model_(parts.model) {
   SystemImageLists lists(module, IDB_PACKAGES, IDB_PACKAGES_MASK);
-  images_ = read_icon_cache(parts.para, parts.model.images(), lists);
-  parts.model.use_images(*images_);
+  images_ = read_icon_cache(parts.para, model_.images(), lists);
+  updater_ = std::make_unique<IconUpdater>(
+      IconUpdater::Parts{model_, parts.listLock, model_.images(), *this, *this, parts.extractor,
+                         parts.files, parts.para, parts.apply_thread_language});
+  model_.use_images(images_.get());
   // The control would destroy them with itself.
   SetWindowLongPtrA(list_, GWL_STYLE, GetWindowLongPtrA(list_, GWL_STYLE) | LVS_SHAREIMAGELISTS);
   ListView_SetImageList(list_, static_cast<const SystemImageList&>(*images_).handle(), LVSIL_SMALL);
-  updater_ = std::make_unique<IconUpdater>(
-      IconUpdater::Parts{parts.model, parts.listLock, parts.model.images(), *this, *this,
-                         parts.extractor, parts.files, parts.para, parts.apply_thread_language});
 }
 
 ListIcons::~ListIcons() {
   updater_.reset();
-  // The control may live on, and must not draw from images that are gone.
+  // Control and model may live on, and must not use images that are gone.
   ListView_SetImageList(list_, nullptr, LVSIL_SMALL);
+  model_.use_images(nullptr);
 }
 
 /// Not done if the window has gone.

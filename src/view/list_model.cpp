@@ -99,7 +99,7 @@ void ListModel::filter(ListRow& row) {
   if (icon.empty()) {
     row.image = nullptr;
   } else if (row.image == nullptr || !row.image->first.shares_block_with(icon)) {
-    row.image = &*images_.try_emplace(icon, -1).first;
+    row.image = &*images_.try_emplace(icon, kImageNotLoaded).first;
     // One block for both, so that the next look sees at once that nothing has changed.
     icon = row.image->first;
   }

@@ -58,8 +58,8 @@ class ListModel : public InventoryView, public IconRows {
   const Search& search() const noexcept { return search_; }
   /// Gains an entry for every icon of a row that is shown. No entry may be taken out.
   ImageIndexMap& images() noexcept { return images_; }
-  /// What the map's numbers stand for; must outlive the model.
-  void use_images(const ImageList& images) noexcept { shown_.use_images(images); }
+  /// What the map's numbers stand for, null if that isn't known.
+  void use_images(const ImageList* images) noexcept { shown_.use_images(images); }
   void visit_icons(const Visitor& visitor) override;
 
  private:

@@ -96,7 +96,7 @@ TEST_F(ListModelIconsTest, ARowThatTheFilterShowsAgainHasTheImageThatTheMapKnows
 
 TEST_F(ListModelIconsTest, AnImageBeyondTheListIsDrawnAsTheFirst) {
   MemoryImageList images(16, {MemoryImageList::kDefaultColor, 0xff0000});
-  model_.use_images(images);
+  model_.use_images(&images);
   model_.images()["C:\\known.exe"] = 1;
   model_.images()["C:\\stale.exe"] = 2;
   model_.images()["C:\\huge.exe"] = 0x7fffffff;

@@ -62,6 +62,11 @@ bool has_actions(const UninstallEntry& entry) noexcept {
   return std::strcmp(entry.displayName.c_str(), " -->") != 0;
 }
 
+unsigned default_command(const UninstallEntry& entry) noexcept {
+  if (canUninstall(&entry)) return IDC_UNINSTALL;
+  return canModify(&entry) ? IDC_MODIFY : 0;
+}
+
 String shown_part(const String& text) {
   const char* const start = text.c_str();
   return String(start, start + std::min(std::strlen(start), kCellLimit));

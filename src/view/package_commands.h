@@ -18,6 +18,9 @@ bool can_run(unsigned command, const CommandContext& context) noexcept;
 /// Lines that stand for no package have no actions.
 bool has_actions(const UninstallEntry& entry) noexcept;
 
+/// The command that a double click on the package gives; 0 if there is none.
+unsigned default_command(const UninstallEntry& entry) noexcept;
+
 /// What counts of a cell's text: its first 259 characters.
 String shown_part(const String& text);
 

@@ -77,6 +77,19 @@ TEST(PackageCommands, OthersCanAlwaysBeGiven) {
   EXPECT_TRUE(can_run(ID_MSINFO, {}));
 }
 
+TEST(PackageCommands, ADoubleClickUninstallsOrElseModifies) {
+  UninstallEntry entry;
+  EXPECT_EQ(default_command(entry), 0u);
+  entry.modifyCmd = "mod.exe";
+  EXPECT_EQ(default_command(entry), static_cast<unsigned>(IDC_MODIFY));
+  entry.uninstallCmd = "un.exe";
+  EXPECT_EQ(default_command(entry), static_cast<unsigned>(IDC_UNINSTALL));
+  entry.noRemove = 1;
+  EXPECT_EQ(default_command(entry), static_cast<unsigned>(IDC_MODIFY));
+  entry.noModify = 1;
+  EXPECT_EQ(default_command(entry), 0u);
+}
+
 TEST(PackageCommands, ALineWithAnArrowForAName) {
   UninstallEntry entry;
   entry.displayName = " -->";

@@ -37,10 +37,10 @@ void ShownRows::insert(ListRow& row) {
   insert_line(last ? ListControl::kEnd : static_cast<int>(place - rows_.begin()), row);
 }
 
-/// A number that was kept by an earlier run may lead beyond the images.
 int ShownRows::drawn_image(const ListRow& row) const {
-  const int image = row.image != nullptr ? std::max(row.image->second, 0) : 0;
-  return images_ != nullptr && image >= images_->count() ? 0 : image;
+  const int image =
+      row.image != nullptr ? std::max(row.image->second, kDefaultImage) : kDefaultImage;
+  return images_ != nullptr ? drawn_index(image, images_->count()) : image;
 }
 
 void ShownRows::insert_line(int position, ListRow& row) {

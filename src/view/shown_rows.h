@@ -23,9 +23,9 @@ class ShownRows {
 
   /// Every line that is inserted from now on belongs to this group.
   void set_group(int group) noexcept { group_ = group; }
-  /// What the lines' images are drawn from; it must outlive this. An image that isn't there is
-  /// drawn as the first one.
-  void use_images(const ImageList& images) noexcept { images_ = &images; }
+  /// What the lines' images are drawn from, null if that isn't known. An image that isn't there is
+  /// drawn as the default one.
+  void use_images(const ImageList* images) noexcept { images_ = images; }
 
   /// Inside a batch new lines go to the control all at once, at its end, with drawing frozen.
   void begin_batch();

@@ -2,16 +2,16 @@
 #include <algorithm>
 #include <iterator>
 #include <optional>
-#include <string>
+#include <utility>
 
 #include "orlo/hyperlink.h"
 #include "orlo/message_wait.h"
+#include "orlo/system_text.h"
 #include "orlo/window_helpers.h"
 #include "persist/configuration.h"
 #include "platform/language.h"
 #include "view/about_zolvane.h"
 #include "view/addresses.h"
-#include "view/clipboard.h"
 #include "view/help.h"
 #include "view/legend_dlg.h"
 #include "view/resource_ids.h"
@@ -23,17 +23,6 @@ namespace {
 // Commands whose work isn't there yet. They say so.
 constexpr unsigned kPendingCommands[] = {ID_EXPORT,  ID_CHECK_VERSION, ID_SHOW_PAD,
                                          ID_PATCHES, ID_FEATURES,      ID_MSI_CONTENT};
-
-class Counted {
- public:
-  explicit Counted(int& count) : count_(count) { ++count_; }
-  ~Counted() { --count_; }
-  Counted(const Counted&) = delete;
-  Counted& operator=(const Counted&) = delete;
-
- private:
-  int& count_;
-};
 
 int selection_of(HWND combo) {
   return static_cast<int>(SendMessageA(combo, CB_GETCURSEL, 0, 0));
@@ -91,15 +80,19 @@ LRESULT UninstallDlg::Command(unsigned id, unsigned code, HWND sender) {
   return Base::Command(id, code, sender);
 }
 
-template <typename Change>
-void UninstallDlg::change_list(Change change) {
+void UninstallDlg::change_list(ListChange change, int argument) {
+  changes_.emplace_back(change, argument);
+  // Whoever waits for the list already makes this change, too.
+  if (changes_.size() > 1) return;
   std::optional<size_t> shown;
-  {
-    const ORLO::LockWithMessages held(listLock);
-    if (held) shown = change();
-    if (!shown) return;
-    show_counts();
+  try {
+    shown = make_changes();
+  } catch (...) {
+    changes_.clear();
+    throw;
   }
+  changes_.clear();
+  if (!shown) return;
   if (*shown == 0) {
     para_.current = 0;
     CanClose(false);
@@ -108,37 +101,61 @@ void UninstallDlg::change_list(Change change) {
   if (!ending()) icons_.start_pass();
 }
 
+/// The last number of rows, nothing if they are the same.
+std::optional<size_t> UninstallDlg::make_changes() {
+  const ListIcons::Pause pause(icons_);
+  const ORLO::LockWithMessages held(listLock);
+  if (!held) return std::nullopt;
+  std::optional<size_t> shown;
+  for (size_t next = 0; next < changes_.size(); ++next) {
+    const auto [change, argument] = changes_[next];
+    if (const std::optional<size_t> now = (this->*change)(argument)) shown = now;
+  }
+  if (shown) show_counts();
+  return shown;
+}
+
+std::optional<size_t> UninstallDlg::show_type(int) {
+  return model_.selectType(selection_of(control(IDC_TYPE)));
+}
+
+std::optional<size_t> UninstallDlg::show_microsoft(int) {
+  return model_.toggleMicrosoft(IsDlgButtonChecked(_hwnd, IDC_MICROSOFT) == BST_CHECKED);
+}
+
+std::optional<size_t> UninstallDlg::show_matches(int) {
+  return model_.searchChanged(run_.searchText);
+}
+
+std::optional<size_t> UninstallDlg::show_groups(int index) {
+  const std::optional<size_t> shown = model_.selectGroup(index);
+  if (shown) SendMessageA(control(IDC_TYPE), CB_SETCURSEL, static_cast<WPARAM>(model_.type()), 0);
+  return shown;
+}
+
+std::optional<size_t> UninstallDlg::show_sorted(int column) {
+  model_.sortByColumn(column);
+  return std::nullopt;
+}
+
 void UninstallDlg::type_chosen() {
-  change_list([this] { return model_.selectType(selection_of(control(IDC_TYPE))); });
+  change_list(&UninstallDlg::show_type);
 }
 
 void UninstallDlg::microsoft_toggled() {
-  change_list([this] {
-    return model_.toggleMicrosoft(IsDlgButtonChecked(_hwnd, IDC_MICROSOFT) == BST_CHECKED);
-  });
+  change_list(&UninstallDlg::show_microsoft);
 }
 
 void UninstallDlg::search_changed() {
-  change_list([this] {
-    run_.searchText = ORLO::window_text(control(IDC_SEARCH));
-    return model_.searchChanged(run_.searchText);
-  });
+  // Read at once: who shows the pane meanwhile writes the text that is known.
+  run_.searchText = ORLO::window_text(control(IDC_SEARCH));
+  change_list(&UninstallDlg::show_matches);
 }
 
 void UninstallDlg::group_chosen() {
   const ORLO::WaitCursor wait;
-  change_list([this] {
-    const std::optional<size_t> shown = model_.selectGroup(selection_of(control(IDC_GROUP)));
-    if (shown) SendMessageA(control(IDC_TYPE), CB_SETCURSEL, static_cast<WPARAM>(model_.type()), 0);
-    return shown;
-  });
+  change_list(&UninstallDlg::show_groups, selection_of(control(IDC_GROUP)));
   redraw_list();
-}
-
-template <typename Show>
-void UninstallDlg::show_box(Show show) {
-  const Counted open(open_boxes_);
-  show();
 }
 
 void UninstallDlg::switch_colors() {
@@ -148,32 +165,34 @@ void UninstallDlg::switch_colors() {
 }
 
 void UninstallDlg::show_legend() {
-  show_box([this] { LegendDlg::show(resources_, _hwnd); });
+  frame_.show([this] { LegendDlg::show(resources_, _hwnd); });
 }
 
 void UninstallDlg::show_about() {
-  show_box([this] { AboutZolvaneController::show(resources_, _hwnd); });
+  frame_.show([this] { AboutZolvaneController::show(resources_, _hwnd); });
 }
 
 void UninstallDlg::copy_cell() {
-  copy_to_clipboard(_hwnd, clicked_.text());
+  if (const String text = clicked_.text(); !text.empty()) ORLO::copy_to_clipboard(text, _hwnd);
 }
 
 bool UninstallDlg::start_action(unsigned command) {
-  if (ending()) return false;
-  const bool started = actions_.run(command, context());
-  // A refresh on which the action lies, and which has read the registry before, doesn't stand for
-  // what the action has changed.
-  if (started && cycle_.refreshing()) cycle_.follow();
-  return started;
+  const CommandContext at = context();
+  if (!ActionCommands::is_package_action(command)) return !ending() && actions_.run(command, at);
+  if (at.current != nullptr) postponed_action_ = {command, *at.current};
+  if (!cycle_.refreshing()) run_postponed_action();
+  return true;
+}
+
+void UninstallDlg::run_postponed_action() {
+  if (!postponed_action_ || cycle_.refreshing()) return;
+  const PostponedAction action = *std::exchange(postponed_action_, std::nullopt);
+  if (!ending()) actions_.run(action.command, {&action.entry});
 }
 
 void UninstallDlg::tell_pending(unsigned command) {
   if (!can_run(command, context())) return;
-  show_box([this] {
-    MessageBoxA(_hwnd, resources_.text(IDS_NOT_THERE_YET).c_str(),
-                resources_.text(IDS_PRODUCT).c_str(), MB_ICONINFORMATION);
-  });
+  frame_.inform(resources_.text(IDS_NOT_THERE_YET), resources_.text(IDS_PRODUCT));
 }
 
 void UninstallDlg::show_help() {

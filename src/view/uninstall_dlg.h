@@ -1,8 +1,10 @@
 // The program's main window.
 #pragma once
 
+#include <deque>
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include "inventory/refresh_cycle.h"
 #include "orlo/dialog_mixins.h"
@@ -59,14 +61,24 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   void show_issue_tracker();
   void switch_language();
   void copy_cell();
-  /// False if the command isn't one of the package actions and tools.
+  /// False if the command isn't one of the package actions and tools. An action waits for the end
+  /// of a refresh that is running, which else would have to wait for the installer.
   bool start_action(unsigned command);
+  void run_postponed_action();
   /// Says of a command that its work isn't there yet.
   void tell_pending(unsigned command);
-  /// Makes a change of what the list shows, once nobody else works on the list. `change` gives the
-  /// number of rows that are shown now, which is told of, or nothing if the rows are the same.
-  template <typename Change>
-  void change_list(Change change);
+  // Changes of what the list shows. They give the number of rows that are shown now, or nothing if
+  // the rows are the same.
+  using ListChange = std::optional<size_t> (UninstallDlg::*)(int);
+  std::optional<size_t> show_type(int);
+  std::optional<size_t> show_microsoft(int);
+  std::optional<size_t> show_matches(int);
+  std::optional<size_t> show_groups(int index);
+  std::optional<size_t> show_sorted(int column);
+  /// Makes a change once nobody else works on the list. Those that come in the meantime follow in
+  /// their order.
+  void change_list(ListChange change, int argument = 0);
+  std::optional<size_t> make_changes();
 
   // Notices of the list, and menus; in uninstall_notices_win.cpp
   LRESULT list_notice(NMHDR& header);
@@ -86,9 +98,8 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   void update_menu(HMENU menu);
   /// Opens the first popup of a menu and waits for the user's choice.
   void track_popup(unsigned menu, POINT on_screen);
-  template <typename Show>
-  void show_box(Show show);
-
+  /// False if it isn't a timer of ours.
+  bool timer_ran(UINT_PTR timer);
   /// False if the command is left to the system.
   bool system_command(WPARAM wparam);
   /// Puts the window where it was last, or in the middle.
@@ -99,7 +110,7 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   /// While a menu is open or the mouse drags something, the refresh waits for the end of that.
   void refresh(void (RefreshCycle::*run_noted)());
   void run_refresh(void (RefreshCycle::*run_noted)());
-  void end_if_due();
+  void after_refresh();
   /// Whether an end has been asked for, or is under way.
   bool ending() const noexcept { return shut_down_ || due_result_.has_value(); }
   /// False if the last run has left nothing that can be used.
@@ -137,8 +148,15 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   Table currentTable;
   HistoryMerge history_;
   bool closing = false;
-  int open_boxes_ = 0;
   void (RefreshCycle::*postponed_)() = nullptr;
+  /// Changes of the list that wait for it, with their arguments.
+  std::deque<std::pair<ListChange, int>> changes_;
+  /// With the package as it was when the user chose it.
+  struct PostponedAction {
+    unsigned command;
+    UninstallEntry entry;
+  };
+  std::optional<PostponedAction> postponed_action_;
   bool shut_down_ = false;
   /// What the dialog is to end with when the refresh that is running has ended.
   std::optional<INT_PTR> due_result_;

@@ -29,9 +29,14 @@ constexpr int kExtraHeight = 300;
 constexpr INT_PTR kClosed = 2;
 // Posted by the registry's watchers.
 constexpr UINT kRegistryChanged = WM_APP;
+// Posted when a refresh has ended that an action waits for.
+constexpr UINT kRunPostponedAction = WM_APP + 2;
 // Looks whether a refresh that was postponed can run, every so many milliseconds.
 constexpr UINT_PTR kPostponedTimer = 1;
 constexpr UINT kPostponedInterval = 50;
+// Closes, every so many milliseconds, a box that was about to open when the window was closed.
+constexpr UINT_PTR kBoxesTimer = 2;
+constexpr UINT kBoxesInterval = 50;
 
 // 1 moves the left edge with the dialog's growth, 2 the right, 4 the top, 8 the bottom edge.
 constexpr ResizeRule kResizeRules[] = {
@@ -133,8 +138,8 @@ UninstallDlg::UninstallDlg(HWND window, std::unique_ptr<UninstallDlgPara> dialog
       currentTable(packageSchema()),
       reader_(services.reader, [window] { PostMessageA(window, kRegistryChanged, 0, 0); }),
       cycle_({reader_, currentTable, history_, listLock, model_, *this, services.reader.clock}),
-      frame_({window, open_boxes_, cycle_, [this] { return closing || ending(); },
-              [this] { requestRefresh(); }}),
+      frame_(
+          {window, cycle_, [this] { return closing || ending(); }, [this] { requestRefresh(); }}),
       actions_({services.reader.files, services.shell, services.reader.registry, frame_},
                [&resources](unsigned id) { return resources.text(id); }),
       icons_({window, list_.window(), model_, listLock, services.icons, services.reader.files, run_,
@@ -239,11 +244,11 @@ LRESULT UninstallDlg::WndProc(UINT message, WPARAM wparam, LPARAM lparam) {
     case ListIcons::kCall:
       icons_.answer_call();
       return TRUE;
-    case WM_TIMER:
-      if (wparam != kPostponedTimer) return Base::WndProc(message, wparam, lparam);
-      KillTimer(_hwnd, kPostponedTimer);
-      if (const auto run_noted = std::exchange(postponed_, nullptr)) refresh(run_noted);
+    case kRunPostponedAction:
+      run_postponed_action();
       return TRUE;
+    case WM_TIMER:
+      return timer_ran(wparam) ? TRUE : Base::WndProc(message, wparam, lparam);
     case WM_INITMENUPOPUP:
       update_menu(reinterpret_cast<HMENU>(wparam));
       return FALSE;
@@ -260,6 +265,20 @@ LRESULT UninstallDlg::WndProc(UINT message, WPARAM wparam, LPARAM lparam) {
           TranslateAcceleratorA(_hwnd, accelerators_.get(), reinterpret_cast<MSG*>(lparam)));
     default:
       return Base::WndProc(message, wparam, lparam);
+  }
+}
+
+bool UninstallDlg::timer_ran(UINT_PTR timer) {
+  switch (timer) {
+    case kPostponedTimer:
+      KillTimer(_hwnd, timer);
+      if (const auto run_noted = std::exchange(postponed_, nullptr)) refresh(run_noted);
+      return true;
+    case kBoxesTimer:
+      if (!frame_.close_boxes()) KillTimer(_hwnd, timer);
+      return true;
+    default:
+      return false;
   }
 }
 
@@ -310,18 +329,23 @@ void UninstallDlg::refresh(void (RefreshCycle::*run_noted)()) {
 }
 
 void UninstallDlg::run_refresh(void (RefreshCycle::*run_noted)()) {
+  const ListIcons::Pause pause(icons_);
   // However the cycle ends, an end that was asked for meanwhile is due.
   try {
     (cycle_.*run_noted)();
   } catch (...) {
-    end_if_due();
+    after_refresh();
     throw;
   }
-  end_if_due();
+  after_refresh();
 }
 
-void UninstallDlg::end_if_due() {
-  if (due_result_ && !cycle_.refreshing()) EndDialog(*due_result_);
+void UninstallDlg::after_refresh() {
+  if (cycle_.refreshing()) return;
+  if (due_result_) EndDialog(*due_result_);
+  // By a message: a refresh may have been asked for by somebody who hasn't the time for an
+  // installer.
+  if (postponed_action_) PostMessageA(_hwnd, kRunPostponedAction, 0, 0);
 }
 
 void UninstallDlg::forget_entries() {
@@ -358,6 +382,8 @@ void UninstallDlg::show_counts() {
 void UninstallDlg::shut_down() {
   if (std::exchange(shut_down_, true)) return;
   cycle_.end();
+  // Asked before, as the wait for the reader may be long.
+  icons_.begin_stop();
   reader_.stop(ORLO::ActiveObject::WaitMode::pump);
   icons_.stop();
   actions_.close();
@@ -380,11 +406,16 @@ void UninstallDlg::EndDialog(INT_PTR result) {
   // An open menu would keep its own message loop, and with it the dialog's, from ending.
   EndMenu();
   due_result_ = result;
-  // So would a box, and below it another one, and the wait for an installer, on which a refresh may
-  // be waiting in turn.
-  if (open_boxes_ > 0) close_boxes_above(_hwnd);
+  // So would a box, and below it another one, and the wait for an installer.
+  if (frame_.close_boxes()) SetTimer(_hwnd, kBoxesTimer, kBoxesInterval, nullptr);
   actions_.close();
   if (cycle_.refreshing() || shut_down_) return;
-  shut_down();
+  try {
+    shut_down();
+  } catch (...) {
+    // Nothing keeps the window open.
+    Base::EndDialog(result);
+    throw;
+  }
   Base::EndDialog(result);
 }

@@ -9,13 +9,13 @@
 #include <vector>
 
 #include "orlo/message_wait.h"
+#include "orlo/system_text.h"
 #include "orlo/window_handles.h"
 #include "orlo/window_helpers.h"
 #include "platform/icons.h"
 #include "platform/memory_files.h"
 #include "platform/memory_registry.h"
 #include "platform/memory_shell.h"
-#include "view/clipboard.h"
 #include "view/resource_ids.h"
 
 namespace {
@@ -556,7 +556,7 @@ TEST_F(ChoosingUninstallDlgTest, ACallThatNobodyWaitsForIsNone) {
 }
 
 TEST_F(ChoosingUninstallDlgTest, NothingIsCopiedBeforeACellWasClicked) {
-  ASSERT_TRUE(copy_to_clipboard(window, "before"));
+  ASSERT_TRUE(ORLO::copy_to_clipboard("before", window));
   SendMessageA(window, WM_COMMAND, ID_COPY, 0);
   ASSERT_TRUE(OpenClipboard(window));
   const HANDLE data = GetClipboardData(CF_TEXT);

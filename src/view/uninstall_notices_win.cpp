@@ -79,6 +79,8 @@ void UninstallDlg::give_wide_text(NMLVDISPINFOW& request) {
 }
 
 void UninstallDlg::item_changed(const NMLISTVIEW& change) {
+  // An icon that has come is a change of ours, and chooses nothing.
+  if (change.uChanged == LVIF_IMAGE) return;
   if ((change.uChanged & LVIF_STATE) == 0 || (change.uNewState & LVIS_FOCUSED) == 0) {
     // The pane keeps what it shows until another line gets the focus.
     para_.current = marked_id();
@@ -94,10 +96,8 @@ void UninstallDlg::double_clicked() {
   para_.current = marked_id();
   const UninstallEntry* const entry = para_.current_entry();
   if (entry == nullptr || !has_actions(*entry)) return;
-  if (canUninstall(entry)) {
-    Command(IDC_UNINSTALL, 0, nullptr);
-  } else if (canModify(entry)) {
-    Command(IDC_MODIFY, 0, nullptr);
+  if (const unsigned command = default_command(*entry)) {
+    Command(command, 0, nullptr);
   } else {
     frame_.warn(resources_.text(IDS_NO_INSTALLER_COMMAND), resources_.text(IDS_PRODUCT));
   }
@@ -131,11 +131,7 @@ void UninstallDlg::open_list_menu(POINT on_screen) {
 
 void UninstallDlg::sort_by(int column) {
   const ORLO::WaitCursor wait;
-  {
-    const ORLO::LockWithMessages held(listLock);
-    if (!held) return;
-    model_.sortByColumn(column);
-  }
+  change_list(&UninstallDlg::show_sorted, column);
   redraw_list();
 }
 
@@ -166,6 +162,10 @@ void UninstallDlg::track_popup(unsigned menu, POINT on_screen) {
     const UINT item = GetMenuItemID(popup, position);
     gray(popup, item, !can_run(item, at));
   }
-  TrackPopupMenu(popup, TPM_LEFTALIGN | TPM_TOPALIGN | TPM_RIGHTBUTTON, on_screen.x, on_screen.y, 0,
-                 _hwnd, nullptr);
+  // Done at once: a message that was posted before the choice may be one that changes what is
+  // chosen.
+  const BOOL chosen =
+      TrackPopupMenu(popup, TPM_LEFTALIGN | TPM_TOPALIGN | TPM_RIGHTBUTTON | TPM_RETURNCMD,
+                     on_screen.x, on_screen.y, 0, _hwnd, nullptr);
+  if (chosen != 0) Command(static_cast<unsigned>(chosen), 0, nullptr);
 }
