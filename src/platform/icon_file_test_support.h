@@ -39,7 +39,7 @@ class ByteWriter {
 /// A bitmap as icons have it: 32 bits to a pixel, all opaque.
 inline std::string icon_bitmap(unsigned size, uint32_t color) {
   ByteWriter out;
-  out.put32(40).put32(size).put32(size_t{2} * size).put16(1).put16(32).put32(0).put32(0);
+  out.put32(40).put32(size).put32(uint64_t{2} * size).put16(1).put16(32).put32(0).put32(0);
   out.put32(0).put32(0).put32(0).put32(0);
   for (unsigned pixel = 0; pixel < size * size; ++pixel)
     out.put32(color | 0xFF000000U);

@@ -99,6 +99,34 @@ INSTANTIATE_TEST_SUITE_P(System, IconsContract,
                              "Own", [] { return std::make_unique<SystemIconsBed>(); }}),
                          [](const auto& test) { return std::string(test.param.name); });
 
+TEST(SystemIcons, TakesIconsOfTheSystemsOwnLibraries) {
+  const auto icons = make_system_icon_extractor();
+  for (const int32_t index : {0, 1, 2, 15}) {
+    SCOPED_TRACE(index);
+    EXPECT_TRUE(icons->extract("shell32.dll", index, false));
+    EXPECT_TRUE(icons->extract("shell32.dll", index, true));
+  }
+}
+
+TEST(SystemIcons, SurvivesFilesWithAccidents) {
+  const TempFolder folder;
+  const auto icons = make_system_icon_extractor();
+  std::mt19937 random(11);
+  int taken = 0;
+  for (int round = 0; round < 300; ++round) {
+    std::string bytes = round % 2 == 0 ? icon_file({1, 2}) : icon_library({{5, {1, 2}}});
+    for (unsigned accidents = 1 + random() % 3; accidents > 0; --accidents) {
+      const char values[] = {static_cast<char>(random()), '\xFF', '\0', '\1', '\x20'};
+      const size_t range = std::min<size_t>(bytes.size(), round % 2 == 0 ? 128 : 0x300);
+      bytes[random() % range] = values[random() % std::size(values)];
+    }
+    const std::string path = folder.make("damaged.dll", bytes);
+    for (const int32_t index : {0, 1, -5})
+      taken += icons->extract(path.c_str(), index, round % 4 < 2) ? 1 : 0;
+  }
+  EXPECT_GT(taken, 30);
+}
+
 namespace {
 
 class SystemImageListTest : public testing::Test {

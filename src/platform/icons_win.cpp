@@ -1,14 +1,30 @@
 #include "platform/icons.h"
 
+#include "orlo/file_modes.h"
+#include "platform/icon_file_check.h"
 #include "platform/system_icon.h"
 // This needs what orlowin.h brings.
 #include <shellapi.h>
 
 namespace {
 
+constexpr uint32_t kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+/// False if the tables of a file lead astray. The file is the one that the platform is going to
+/// find; what can't be looked at is the platform's to judge.
+bool is_sound(const char* name, int32_t index) {
+  char path[MAX_PATH] = "";
+  const DWORD length = SearchPathA(nullptr, name, nullptr, MAX_PATH, path, nullptr);
+  if (length == 0 || length >= MAX_PATH) return true;
+  const auto file =
+      ORLO::open_raw_file(path, ORLO::FileAccess::read, ORLO::kOpenExisting, kShareAll, 0);
+  return file == nullptr || check_icon_file(*file, index);
+}
+
 class SystemIcons final : public IconExtractor {
  public:
   std::unique_ptr<Icon> extract(const char* file, int32_t index, bool large) override {
+    if (!is_sound(file, index)) return nullptr;
     HICON handle = nullptr;
     const UINT count =
         ExtractIconExA(file, index, large ? &handle : nullptr, large ? nullptr : &handle, 1);
