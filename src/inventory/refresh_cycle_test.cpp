@@ -574,6 +574,46 @@ TEST_F(RefreshCycleTest, ForgettingWaitsForTheListToBeFree) {
   EXPECT_FALSE(overtaken);
 }
 
+TEST_F(RefreshCycleTest, ForgettingAgainAndAgainWhileTheListIsHeldIsOneForgettingAndBringsAll) {
+  registry_.create(kUser + kUninstall + "App");
+  start();
+  run();
+  view_.log.clear();
+  frame_.log.clear();
+  ORLO::Event held;
+  ORLO::Event let_go;
+  std::thread other([&] {
+    const ORLO::Lock hold(list_lock_);
+    held.set();
+    ORLO::wait_for(let_go, 50);
+  });
+  ASSERT_TRUE(ORLO::wait_for(held, kLong));
+  // As requests that come while the first one is still about to forget.
+  frame_.at_forget = [this] {
+    for (int i = 0; i < 100; ++i)
+      cycle_->requestAfresh();
+  };
+  cycle_->requestAfresh();
+  other.join();
+  EXPECT_EQ(frame_.log, (Log{"forget", "begin wait", "counts", "end wait", "refreshed"}));
+  EXPECT_EQ(view_.log, (Log{"clear marks", "begin", "apply App HKCU Uninstall", "end"}));
+  EXPECT_EQ(cycle_->refreshCount(), 102u);
+  EXPECT_EQ(current_.size(), 1u);
+}
+
+TEST_F(RefreshCycleTest, FailureWhileForgettingLeavesTheNextOneToBeDone) {
+  registry_.create(kUser + kUninstall + "App");
+  start();
+  frame_.at_forget = [] { throw ORLO::UserException("no room"); };
+  EXPECT_THROW(cycle_->requestAfresh(), ORLO::UserException);
+  ASSERT_TRUE(list_lock_.try_enter());
+  list_lock_.leave();
+  frame_.at_forget = {};
+  frame_.log.clear();
+  cycle_->requestAfresh();
+  EXPECT_EQ(frame_.log, (Log{"forget", "begin wait", "counts", "end wait", "refreshed"}));
+}
+
 TEST_F(RefreshCycleTest, FailureOfTheHandOverPassesOnAndLeavesACycleToStart) {
   registry_.create(kUser + kUninstall + "App");
   start();

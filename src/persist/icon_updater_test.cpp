@@ -139,6 +139,12 @@ class IconUpdaterTest : public testing::Test {
     if (entered) lock_.leave();
     return entered;
   }
+  /// False if the lock never became free.
+  bool lock_becomes_free() {
+    for (uint32_t waited = 0; waited < kLong && !lock_is_free(); ++waited)
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    return lock_is_free();
+  }
   std::string paths() const { return folder_.content("Quillmere/paths.txt"); }
 
   const TempFolder folder_;
@@ -273,9 +279,13 @@ TEST_F(IconUpdaterTest, APassThatIsAskedForForgetsTheEndOfTheLastOne) {
 
 TEST_F(IconUpdaterTest, ManyRequestsDuringAPassBecomeOneMore) {
   Gate gate;
+  Gate second;
   int writes = 0;
   icons_.on_extract = [&] { gate.pass(); };
-  images_.on_call = [&](const char* operation) { writes += std::string(operation) == "write"; };
+  images_.on_call = [&](const char* operation) {
+    // Two signals that come before anybody looks would be one.
+    if (std::string(operation) == "write" && ++writes == 2) second.pass();
+  };
   rows_.add("1.exe", 0);
   updater_->start_pass();
   ASSERT_TRUE(gate.reached());
@@ -283,6 +293,7 @@ TEST_F(IconUpdaterTest, ManyRequestsDuringAPassBecomeOneMore) {
     updater_->start_pass();
   gate.open();
   ASSERT_TRUE(ORLO::wait_for(updater_->done_event(), kLong));
+  second.open();
   ASSERT_TRUE(ORLO::wait_for(updater_->done_event(), kLong));
   EXPECT_FALSE(ORLO::wait_for(updater_->done_event(), kShort));
   EXPECT_TRUE(updater_->stop());
@@ -433,6 +444,123 @@ TEST_F(IconUpdaterTest, AFailureOfAnyCallEndsThatPassAloneAndSilently) {
     EXPECT_EQ(calls, 3 + 3 * 3);
   }
   EXPECT_EQ(reports_, 0);
+}
+
+/// A pass that is held in the extraction of the second of four icons.
+class PausedIconUpdaterTest : public IconUpdaterTest {
+ protected:
+  PausedIconUpdaterTest() {
+    for (int i = 0; i < 4; ++i)
+      rows_.add(name(i), i);
+    icons_.on_extract = [this] {
+      if (++extractions_ == 2) gate_.pass();
+    };
+    images_.on_call = [this](const char* operation) {
+      writes_ += std::string(operation) == "write" ? 1 : 0;
+    };
+    updater_->start_pass();
+    EXPECT_TRUE(gate_.reached());
+  }
+  ~PausedIconUpdaterTest() override { updater_.reset(); }
+  /// Lets the thread on to where it looks for pauses.
+  void break_off() {
+    gate_.open();
+    EXPECT_TRUE(lock_becomes_free());
+  }
+  bool done(uint32_t timeout) { return ORLO::wait_for(updater_->done_event(), timeout); }
+
+  static inline const Calls kFirstTwo = {"0.exe 0 small", "1.exe 0 small"};
+  static inline const Calls kEachOnce = {"0.exe 0 small", "1.exe 0 small", "2.exe 0 small",
+                                         "3.exe 0 small"};
+  Gate gate_;
+  std::atomic<int> extractions_{0};
+  std::atomic<int> writes_{0};
+};
+
+TEST_F(PausedIconUpdaterTest, APauseBreaksThePassOffAtTheNextPackageAndTheLockIsFree) {
+  const IconUpdater::Pause pause(*updater_);
+  break_off();
+  EXPECT_FALSE(done(kShort));
+  EXPECT_TRUE(lock_is_free());
+  EXPECT_EQ(icons_.calls(), kFirstTwo);
+  EXPECT_EQ(writes_, 0);
+  EXPECT_FALSE(std::filesystem::exists(folder_.path("Quillmere")));
+}
+
+TEST_F(PausedIconUpdaterTest, TheRestOfAPassIsMadeUpForOnceAfterItsPause) {
+  {
+    const IconUpdater::Pause pause(*updater_);
+    break_off();
+  }
+  ASSERT_TRUE(done(kLong));
+  EXPECT_EQ(icons_.calls(), kEachOnce);
+  EXPECT_EQ(lines_.calls, (Calls{"0 shows 1", "1 shows 2", "2 shows 3", "3 shows 4"}));
+  EXPECT_EQ(paths(), "1 0.exe\n2 1.exe\n3 2.exe\n4 3.exe\n");
+  EXPECT_EQ(folder_.content("Quillmere/list.dat"),
+            "16 pixels, 5 images\n808080\n000000\n000001\n000002\n000003\n");
+  EXPECT_FALSE(done(kShort));
+  EXPECT_EQ(writes_, 1);
+}
+
+TEST_F(PausedIconUpdaterTest, APassThatGoesOnSeesThePackagesAsTheyAreThen) {
+  {
+    const IconUpdater::Pause pause(*updater_);
+    break_off();
+    const ORLO::Lock hold(lock_);
+    rows_.packages.pop_back();
+    rows_.packages[0].image = 0;
+    rows_.add("7.exe", 3);
+  }
+  ASSERT_TRUE(done(kLong));
+  EXPECT_EQ(lines_.calls, (Calls{"0 shows 1", "1 shows 2", "0 shows 1", "2 shows 3", "3 shows 4"}));
+  EXPECT_EQ(paths(), "1 0.exe\n2 1.exe\n3 2.exe\n4 7.exe\n");
+}
+
+TEST_F(PausedIconUpdaterTest, NothingGoesOnUntilTheLastOfNestedPausesHasEnded) {
+  {
+    const IconUpdater::Pause outer(*updater_);
+    {
+      const IconUpdater::Pause inner(*updater_);
+      break_off();
+    }
+    EXPECT_FALSE(done(kShort));
+    EXPECT_EQ(icons_.calls(), kFirstTwo);
+    EXPECT_TRUE(lock_is_free());
+  }
+  ASSERT_TRUE(done(kLong));
+  EXPECT_EQ(icons_.calls(), kEachOnce);
+}
+
+TEST_F(PausedIconUpdaterTest, PauseAfterPauseLosesNothingAndExtractsNothingTwice) {
+  gate_.open();
+  for (int round = 0; round < 20; ++round) {
+    const IconUpdater::Pause pause(*updater_);
+    ASSERT_TRUE(lock_becomes_free());
+  }
+  ASSERT_TRUE(done(kLong));
+  EXPECT_EQ(icons_.calls(), kEachOnce);
+  EXPECT_EQ(writes_, 1);
+}
+
+TEST_F(PausedIconUpdaterTest, APausedPassIsEndedByAStopAndKeepsNothing) {
+  const IconUpdater::Pause pause(*updater_);
+  break_off();
+  EXPECT_TRUE(updater_->stop(WaitMode::block, kLong));
+  EXPECT_TRUE(done(0));
+  EXPECT_EQ(icons_.calls(), kFirstTwo);
+  EXPECT_EQ(writes_, 0);
+}
+
+TEST_F(IconUpdaterTest, APassThatIsAskedForDuringAPauseBeginsAfterIt) {
+  rows_.add("1.exe", 0);
+  {
+    const IconUpdater::Pause pause(*updater_);
+    updater_->start_pass();
+    EXPECT_FALSE(ORLO::wait_for(updater_->done_event(), kShort));
+    EXPECT_EQ(icons_.calls(), Calls());
+  }
+  ASSERT_TRUE(ORLO::wait_for(updater_->done_event(), kLong));
+  EXPECT_EQ(lines_.calls, Calls{"0 shows 1"});
 }
 
 TEST_F(IconUpdaterTest, AnUnknownFailureEndsTheThreadInOneReport) {
