@@ -1,103 +1,13 @@
 // The main window over a registry in memory: what can't be told from outside the process.
-#include "view/uninstall_dlg.h"
-
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "orlo/message_wait.h"
 #include "orlo/system_text.h"
-#include "orlo/window_handles.h"
-#include "orlo/window_helpers.h"
-#include "platform/icons.h"
-#include "platform/memory_files.h"
-#include "platform/memory_registry.h"
-#include "platform/memory_shell.h"
-#include "view/resource_ids.h"
+#include "view/uninstall_dlg_test_support.h"
 
 namespace {
-
-constexpr uint16_t kEnglish = 2057;
-constexpr int kNameColumn = 2;
-const std::string kUninstall =
-    "HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\";
-
-void no_language() {}
-
-class UninstallDlgTest : public testing::Test {
- protected:
-  explicit UninstallDlgTest(const char* window_pos = "") {
-    INITCOMMONCONTROLSEX classes = {};
-    classes.dwSize = sizeof classes;
-    classes.dwICC = ICC_LISTVIEW_CLASSES;
-    InitCommonControlsEx(&classes);
-    add("Birch", u"Birch \u20ac Editor", u"20260108");
-    add("Alder", u"Alder", u"20260107");
-    UninstallPara para;
-    para.noPersist = true;
-    para.windowPos = window_pos;
-    window = ORLO::Dialog::DoModeless(
-        resources.module(), resources.dialog(IDD_MAIN), nullptr, [&](HWND made) {
-          return std::make_unique<UninstallDlg>(
-              made, std::make_unique<UninstallDlgPara>(para), resources,
-              DialogServices{
-                  {registry, files, ORLO::system_clock(), false, &no_language}, shell, *icons});
-        });
-    list = GetDlgItem(window, IDC_LIST);
-  }
-  ~UninstallDlgTest() override {
-    SendMessageA(window, WM_COMMAND, IDCANCEL, 0);
-    EXPECT_FALSE(IsWindow(window));
-  }
-
-  void add(const std::string& key, const char16_t* name, const char16_t* date) {
-    registry.set_text(kUninstall + key, "DisplayName", name);
-    registry.set_text(kUninstall + key, "InstallDate", date);
-  }
-
-  /// What the sender gets as an answer.
-  template <typename Notice>
-  LRESULT notify(Notice& notice, NMHDR& header, HWND from, UINT code) const {
-    header = {from, static_cast<UINT_PTR>(GetDlgCtrlID(from)), code};
-    return SendMessageA(window, WM_NOTIFY, header.idFrom, reinterpret_cast<LPARAM>(&notice));
-  }
-  LPARAM id_at(int row) const {
-    LVITEMA item = {};
-    item.mask = LVIF_PARAM;
-    item.iItem = row;
-    SendMessageA(list, LVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&item));
-    return item.lParam;
-  }
-  int header_format(int column) const {
-    HDITEMA item = {};
-    item.mask = HDI_FORMAT;
-    SendMessageA(ListView_GetHeader(list), HDM_GETITEMA, static_cast<WPARAM>(column),
-                 reinterpret_cast<LPARAM>(&item));
-    return item.fmt & (HDF_SORTDOWN | HDF_SORTUP);
-  }
-  void click_header(UINT code, int column) const {
-    NMHEADERA notice = {};
-    notice.iItem = column;
-    notify(notice, notice.hdr, ListView_GetHeader(list), code);
-  }
-  RECT place() const {
-    RECT rect = {};
-    GetWindowRect(window, &rect);
-    return rect;
-  }
-  String text_of(int control) const { return ORLO::window_text(GetDlgItem(window, control)); }
-
-  const Resources resources{GetModuleHandleA(nullptr), kEnglish};
-  MemoryRegistry registry{MemoryRegistry::View::native};
-  MemoryFiles files;
-  MemoryShell shell;
-  const std::unique_ptr<IconExtractor> icons = make_system_icon_extractor();
-  HWND window = nullptr;
-  HWND list = nullptr;
-};
 
 TEST_F(UninstallDlgTest, GivesACellsTextInBothForms) {
   ASSERT_EQ(SendMessageA(list, LVM_GETITEMCOUNT, 0, 0), 2);
@@ -339,48 +249,6 @@ class WriteWatch {
   const HWND window_;
 };
 
-class ChoosingUninstallDlgTest : public UninstallDlgTest {
- protected:
-  ChoosingUninstallDlgTest() {
-    set("Birch", "UninstallString", u"C:\\un.exe /x");
-    set("Birch", "ModifyPath", u"C:\\mod.exe");
-    set("Birch", "InstallLocation", u"C:\\birch");
-    files.add_file("C:\\un.exe");
-    files.add_file("C:\\mod.exe");
-    refresh_by_change();
-  }
-  void set(const std::string& key, const char* value, const char16_t* text) {
-    registry.set_text(kUninstall + key, value, text);
-  }
-  void refresh_by_change() const { SendMessageA(window, WM_APP, 0, 0); }
-  void choose(int row) const {
-    LVITEMA item = {};
-    item.stateMask = LVIS_FOCUSED | LVIS_SELECTED;
-    SendMessageA(list, LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&item));
-    item.state = item.stateMask;
-    SendMessageA(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
-    SendMessageA(list, LVM_SETSELECTIONMARK, 0, row);
-  }
-  bool enabled(int control) const { return IsWindowEnabled(GetDlgItem(window, control)) != FALSE; }
-  bool count_is(const char* text) const { return std::string(text_of(IDC_STATUS).c_str()) == text; }
-  /// Lets messages flow until something holds; false if it never did.
-  static bool pump_until(const std::function<bool()>& holds) {
-    for (int i = 0; i < 1000 && !holds(); ++i)
-      ORLO::sleep_with_messages(10);
-    return holds();
-  }
-  int image_of(int row) const {
-    LVITEMA item = {};
-    item.mask = LVIF_IMAGE;
-    item.iItem = row;
-    SendMessageA(list, LVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&item));
-    return item.iImage;
-  }
-  HICON pane_icon() const {
-    return reinterpret_cast<HICON>(SendDlgItemMessageA(window, IDC_PANE_ICON, STM_GETICON, 0, 0));
-  }
-};
-
 TEST_F(ChoosingUninstallDlgTest, TheButtonsFollowTheChosenPackage) {
   EXPECT_FALSE(enabled(IDC_UNINSTALL));
   choose(0);
@@ -484,56 +352,6 @@ TEST_F(ChoosingUninstallDlgTest, TheLocationIsOpened) {
   EXPECT_EQ(shell.starts()[0].file, "C:\\birch");
   EXPECT_EQ(shell.starts()[0].owner, window);
   EXPECT_FALSE(shell.starts()[0].waits);
-}
-
-/// The test program itself has an icon.
-std::u16string own_icon() {
-  char16_t path[MAX_PATH] = u"";
-  GetModuleFileNameW(nullptr, reinterpret_cast<wchar_t*>(path), MAX_PATH);
-  return std::u16string(path) + u",0";
-}
-
-TEST_F(ChoosingUninstallDlgTest, ThePaneShowsTheIconOfTheChosenPackageOnly) {
-  set("Birch", "DisplayIcon", own_icon().c_str());
-  refresh_by_change();
-  EXPECT_EQ(pane_icon(), nullptr);
-  choose(0);
-  EXPECT_NE(pane_icon(), nullptr);
-  choose(1);
-  EXPECT_EQ(pane_icon(), nullptr);
-}
-
-TEST_F(ChoosingUninstallDlgTest, ASearchThatFindsNothingTakesThePanesIcon) {
-  set("Birch", "DisplayIcon", own_icon().c_str());
-  refresh_by_change();
-  choose(0);
-  SetDlgItemTextA(window, IDC_SEARCH, "nothing of that kind");
-  EXPECT_EQ(pane_icon(), nullptr);
-}
-
-TEST_F(ChoosingUninstallDlgTest, ThePanesFormerIconGoesWithEachChoice) {
-  set("Birch", "DisplayIcon", own_icon().c_str());
-  refresh_by_change();
-  choose(0);
-  // The list's icons have been loaded once a pass has ended.
-  pump_until([&] { return image_of(0) > 0; });
-  const int before = ORLO::OwnedIcon::live();
-  for (int i = 0; i < 250; ++i) {
-    choose(1);
-    EXPECT_EQ(ORLO::OwnedIcon::live(), before - 1);
-    choose(0);
-    ASSERT_EQ(ORLO::OwnedIcon::live(), before);
-  }
-}
-
-TEST_F(ChoosingUninstallDlgTest, TheListShowsIconsWithoutBeingAsked) {
-  set("Birch", "DisplayIcon", own_icon().c_str());
-  refresh_by_change();
-  EXPECT_TRUE(pump_until([&] { return image_of(0) == 1; }));
-  EXPECT_EQ(image_of(1), 0);
-  const auto images =
-      reinterpret_cast<HIMAGELIST>(SendMessageA(list, LVM_GETIMAGELIST, LVSIL_SMALL, 0));
-  EXPECT_EQ(ImageList_GetImageCount(images), 2);
 }
 
 TEST_F(ChoosingUninstallDlgTest, AFieldThatStaysTheSameIsNotWritten) {
