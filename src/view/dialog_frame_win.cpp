@@ -37,6 +37,12 @@ BOOL CALLBACK end_if_above(HWND window, LPARAM main_window) {
   return TRUE;
 }
 
+/// A WM_QUIT ends a box as if OK had been pressed, and stays for the loops around it.
+bool quitting() {
+  MSG message;
+  return PeekMessageA(&message, nullptr, WM_QUIT, WM_QUIT, PM_NOREMOVE) != FALSE;
+}
+
 }  // namespace
 
 DialogFrame::DialogFrame(Parts parts) : parts_(std::move(parts)) {}
@@ -52,6 +58,7 @@ int DialogFrame::box(const String& text, const String& title, unsigned flags) {
   show([&] {
     const ORLO::ModalScope modal;
     answer = MessageBoxA(parts_.window, text.c_str(), title.c_str(), flags);
+    if (quitting()) answer = IDCANCEL;
   });
   return answer;
 }
