@@ -9,19 +9,29 @@ import pytest
 
 from conftest import BINARIES
 from support.held import HeldDesk, eventually
-from support.program import LIST, REFRESH, TITLE, DriverError, wait_for_focus
+from support.icons import icon_file
+from support.installers import Installer
+from support.program import LIST, REFRESH, STATUS, TITLE, DriverError, wait_for_focus
 from support.registry import Key
+from support.window import CANCEL, MODIFY, UNINSTALL
 
 WM_CLOSE, WM_QUIT, WM_CANCELMODE = 0x10, 0x12, 0x1F
 WM_COMMAND, WM_SYSCOMMAND, WM_APP = 0x111, 0x112, 0x8000
 MENU_LIMIT = 20000
 SC_MAXIMIZE, SC_KEYMENU = 0xF030, 0xF100
+QUESTION = "Uninstallation"
 ESCAPE_COMMAND = 2
 # How often each hold point is closed at.
 CLOSES = int(os.environ.get("ZOLVANE_CLOSES", "10"))
 
-# Each with a time of day, so that the hand-over comes to the point where it is held.
-KEYS = [Key(place, place, {"DisplayName": place, "InstallDate": "2025-11-12T10:20:30"})
+# An end that has been asked for comes within so many seconds.
+ENDS_WITHIN = 5
+
+SETUP, ICON = "C:\\Setups\\setup.exe", "C:\\Icons\\orange.ico"
+# Each with a time of day, so that the hand-over comes to the point where it is held; and with an
+# icon of its own, for the pass that loads them.
+KEYS = [Key(place, place, {"DisplayName": place, "InstallDate": "2025-11-12T10:20:30",
+                           "UninstallString": SETUP, "ModifyPath": SETUP, "DisplayIcon": ICON})
         for place in ("local", "local64", "user")]
 ALL = f"{len(KEYS)} / {len(KEYS)} packages"
 
@@ -29,17 +39,22 @@ ALL = f"{len(KEYS)} / {len(KEYS)} packages"
 @pytest.fixture(scope="module")
 def desk(make_desk):
     with make_desk(KEYS) as made:
-        yield HeldDesk(made, BINARIES / "zolvane-held.exe")
+        made.prefix.make_file(ICON, icon_file((250, 120, 10)))
+        held = HeldDesk(made, BINARIES / "zolvane-held.exe")
+        held.setup = Installer(made, BINARIES, SETUP)
+        yield held
 
 
 @pytest.fixture(autouse=True)
 def cleared(desk):
     yield
     desk.end_programs()
+    desk.setup.end_all()
 
 
 class State:
-    """The program in a state, and how that state ends by itself or by its user."""
+    """The program in a state, and how that state ends by itself or by its user. `keys_go_to`: the
+    title of the window that gets them, None while none is awake."""
 
     def __init__(self, desk, program, leave, keys_go_to=TITLE):
         self.desk, self.program, self._leave = desk, program, leave
@@ -127,8 +142,46 @@ def ending(desk, points):
     return state
 
 
+def question_open(desk, points):
+    """Whether a package is to be uninstalled."""
+    state = idle(desk, points)
+    state.program.choose_row(0)
+    state.program.activate()
+    state.program.ask("post", WM_COMMAND, UNINSTALL, 0)
+    box = desk.wait_for_box(state.program.pid, QUESTION)
+
+    def leave():
+        # The end of the program, or a key, may have answered it.
+        with contextlib.suppress(DriverError):
+            desk.driver("post", box, WM_COMMAND, CANCEL, 0)
+        desk.driver("wait-gone", box, MENU_LIMIT)
+    state.leave, state.keys_go_to = leave, QUESTION
+    return state
+
+
+def installer_running(desk, points):
+    """One that never ends by itself."""
+    state = idle(desk, points)
+    desk.setup.always("/forever")
+    state.program.choose_row(0)
+    state.program.activate()
+    state.program.ask("post", WM_COMMAND, MODIFY, 0)
+    eventually(desk.setup.lines, "the installer runs")
+    state.leave = desk.setup.end_all
+    return state
+
+
+def icon_pass(desk, points):
+    """The icons' thread is extracting one, which takes as long as its file lets it take."""
+    program = desk.start("hold@icon1 " + points)
+    desk.reached()
+    program.wait_for_status(ALL)
+    return State(desk, program, desk.go)
+
+
 STATES = {"starting": starting, "pass": passing, "hand-over": handing_over, "idle": idle,
           "box-main": box_on_main, "box-reader": box_on_reader, "menu": menu_open,
+          "question": question_open, "installer": installer_running, "icon pass": icon_pass,
           "ending": ending}
 
 
@@ -166,6 +219,10 @@ TABLE = {
     "box-reader": dict(close=ENDS, escape=LIVES, quit=ENDS, refresh=LIVES, notice=LIVES),
     # Under Wine the menu's own loop swallows a WM_QUIT.
     "menu": dict(close=ENDS, escape=LIVES, quit=LIVES, refresh=LIVES, notice=LIVES),
+    # The key says no.
+    "question": dict(close=ENDS, escape=LIVES, quit=ENDS, refresh=LIVES, notice=LIVES),
+    "installer": dict(close=ENDS, escape=ENDS, quit=ENDS, refresh=LIVES, notice=LIVES),
+    "icon pass": dict(close=ENDS, escape=ENDS, quit=ENDS, refresh=LIVES, notice=LIVES),
     "ending": dict(close=ENDS, escape=ENDS, quit=ENDS, refresh=ENDS, notice=ENDS),
 }
 
@@ -192,6 +249,99 @@ def test_each_event_in_each_state(desk, name, event):
     EVENTS[event](state)
     state.leave()
     {ENDS: check_ends, LIVES: check_lives}[TABLE[name][event]](state)
+    if name == "question":
+        assert desk.setup.lines() == []
+
+
+# Where the end waits for nobody: neither for an answer nor for an installer. What an icon's file
+# keeps the icons' thread with is not to be broken off.
+ENDS_AT_ONCE = [("idle", "close"), ("idle", "escape"), ("idle", "quit"), ("menu", "close"),
+                ("question", "close"), ("question", "quit"), ("installer", "close"),
+                ("installer", "escape"), ("installer", "quit")]
+
+
+@pytest.mark.parametrize("name, event", ENDS_AT_ONCE)
+def test_an_end_that_waits_for_nobody_comes_at_once(desk, name, event):
+    state = STATES[name](desk, "")
+    start = time.monotonic()
+    EVENTS[event](state)
+    check_ends(state)
+    assert time.monotonic() - start < ENDS_WITHIN
+    # An installer is not ours to end, and none is started by a question that nobody has answered.
+    assert len(desk.setup.running()) == len(desk.setup.lines()) == (name == "installer")
+
+
+@pytest.mark.parametrize("event", ["close", "escape", "quit"])
+def test_an_icon_that_is_being_extracted_is_all_that_the_end_waits_for(desk, event):
+    state = icon_pass(desk, "")
+    EVENTS[event](state)
+    if event != "quit":
+        # The thread has been told to end, but can't hear it.
+        state.program.ask("ping", 3, ENDS_WITHIN * 1000)
+    start = time.monotonic()
+    state.leave()
+    check_ends(state)
+    assert time.monotonic() - start < ENDS_WITHIN
+
+
+@pytest.mark.parametrize("event", ["refresh", "notice"])
+@pytest.mark.parametrize("name", ["question", "installer"])
+def test_a_refresh_waits_neither_for_an_answer_nor_for_an_installer(desk, name, event):
+    state = STATES[name](desk, "")
+    state.program.ask("set-text", STATUS, "")
+    EVENTS[event](state)
+    state.program.wait_for_status(ALL)
+    assert len(state.program.rows()) == len(KEYS)
+    assert len(desk.boxes(state.program.pid)) == (name == "question")
+    assert len(desk.setup.running()) == (name == "installer")
+    state.leave()
+    check_lives(state)
+
+
+@pytest.mark.parametrize("event", ["refresh", "notice"])
+def test_a_refresh_during_an_extraction_waits_for_it_with_the_window_alive(desk, event):
+    state = icon_pass(desk, "")
+    program = state.program
+    program.ask("set-text", STATUS, "")
+    EVENTS[event](state)
+    first = program.ask("focus")
+    program.press_key("Tab")
+    eventually(lambda: program.ask("focus") != first, "Tab moves the focus")
+    assert program.status() == ""
+    state.leave()
+    program.wait_for_status(ALL)
+    check_lives(state)
+
+
+@pytest.mark.parametrize("name", ["question", "installer"])
+def test_the_death_of_the_reader_is_told_beneath_a_question_or_an_installer(desk, name):
+    state = STATES[name](desk, "die@source4")
+    program = state.program
+    EVENTS["notice"](state)
+    box = desk.wait_for_box(program.pid)
+    assert len(desk.boxes(program.pid)) == 1 + (name == "question")
+    desk.answer_box(box)
+    state.leave()
+    check_lives(state)
+
+
+def test_an_icon_that_fails_is_told_by_nobody_and_tried_again(desk):
+    program = desk.start("fail@icon1")
+    program.wait_for_status(ALL)
+    EVENTS["notice"](State(desk, program, None))
+    eventually(lambda: min(program.ask_list("list-images")) > 0, "each row has its icon")
+    assert desk.boxes(program.pid) == []
+    assert program.close() == 0
+
+
+def test_the_death_of_the_icons_thread_is_reported_once(desk):
+    program = desk.start("die@icon1")
+    box = desk.wait_for_box(program.pid)
+    assert len(desk.boxes(program.pid)) == 1
+    desk.answer_box(box)
+    state = State(desk, program, None)
+    EVENTS["notice"](state)
+    check_lives(state)
 
 
 # The reader dies of something unknown. It can only do so in a pass, so states without one are left
@@ -205,6 +355,9 @@ DEATHS = {
     "box-main": ("die@source4", "before", LIVES),
     "box-reader": ("die@source2", "after", LIVES),
     "menu": ("die@source4", "before", LIVES),
+    "question": ("die@source4", "after", LIVES),
+    "installer": ("die@source4", "after", LIVES),
+    "icon pass": ("die@source4", "before", LIVES),
     "ending": ("die@source2", None, ENDS),
 }
 
@@ -308,7 +461,8 @@ def test_keys_work_during_the_first_pass(desk):
 HOLDS = {"start": starting, "source 1": lambda desk, points: held_at(desk, "source1"),
          "source 2": lambda desk, points: held_at(desk, "source2"),
          "source 3": lambda desk, points: held_at(desk, "source3"),
-         "hand-over": handing_over, "box": box_on_main, "menu": menu_open, "idle": idle}
+         "hand-over": handing_over, "box": box_on_main, "menu": menu_open, "idle": idle,
+         "question": question_open, "installer": installer_running, "icon": icon_pass}
 
 
 def held_at(desk, point):

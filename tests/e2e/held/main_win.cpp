@@ -5,6 +5,8 @@
 //   start        the main thread opens its first key
 //   sourceN      the reader begins with the Nth Uninstall key it reads, counted over all passes
 //   hand-over    the main thread reads the first date of a row
+//   iconN        the icons' thread is about to extract the Nth icon, counted likewise
+//   watch        a watcher of the registry waits for the next change, having told of the last one
 // hold  sets the event "zolvane-held-reached" and waits for "zolvane-held-go"
 // fail  throws an exception of the program's own
 // die   throws what nobody knows
@@ -13,8 +15,10 @@
 // beginning of a pass: handles, registry keys.
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <set>
 #include <string>
+#include <utility>
 
 #include "inventory/hooked_registry_test_support.h"
 #include "orlo/exception.h"
@@ -50,7 +54,7 @@ class Points {
     }
   }
 
-  /// Called with the points' names on whatever thread comes there; no two threads share a name.
+  /// Called with the points' names on whatever thread comes there.
   void reach(const std::string& point) {
     append_line("ZOLVANE_TRACE", point);
     if (take("hold@" + point)) {
@@ -73,6 +77,35 @@ class Points {
   const HANDLE go_;
   ORLO::CriticalSection lock_;
   std::set<std::string> named_;
+};
+
+class HeldRegistry : public HookedRegistry {
+ public:
+  HeldRegistry(Points& points, Registry& behind, Hook hook)
+      : HookedRegistry(behind, std::move(hook)), points_(points) {}
+  RegStatus notify(const RegistryKey& key, bool subtree, uint32_t filter,
+                   ORLO::Event& event) override {
+    points_.reach("watch");
+    return HookedRegistry::notify(key, subtree, filter, event);
+  }
+
+ private:
+  Points& points_;
+};
+
+class HeldExtractor : public IconExtractor {
+ public:
+  HeldExtractor(IconExtractor& behind, Points& points) : behind_(behind), points_(points) {}
+  /// The pane's icons come on the main thread, and are none of a pass.
+  std::unique_ptr<Icon> extract(const char* file, int32_t index, bool large) override {
+    if (!points_.on_main_thread()) points_.reach("icon" + std::to_string(++count_));
+    return behind_.extract(file, index, large);
+  }
+
+ private:
+  IconExtractor& behind_;
+  Points& points_;
+  int count_ = 0;  ///< the icons' thread's
 };
 
 class HeldClock : public ORLO::Clock {
@@ -108,7 +141,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR command_line, int) {
   const auto registry = make_system_registry();
   const auto files = make_system_files();
   const HookedRegistry* held = nullptr;
-  HookedRegistry held_registry(*registry, [&](const std::string& operation, uint32_t index) {
+  HeldRegistry held_registry(points, *registry, [&](const std::string& operation, uint32_t index) {
     if (points.on_main_thread()) {
       if (operation == "open") points.reach("start");
     } else if (operation == "subkey_at" && index == 0) {
@@ -123,5 +156,6 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR command_line, int) {
   const HeldClock clock(ORLO::system_clock(), points);
   const auto shell = make_system_shell();
   const auto icons = make_system_icon_extractor();
-  return run_program(instance, command_line, {held_registry, *files, clock, *shell, *icons});
+  HeldExtractor held_icons(*icons, points);
+  return run_program(instance, command_line, {held_registry, *files, clock, *shell, held_icons});
 }
