@@ -31,11 +31,14 @@ size_t length_in_box(const char* name) {
   return std::strlen(name);
 }
 
-/// The name as a box can show it, in one paragraph.
+/// The name as a box can show it, in one paragraph; many blanks in a row would make a line of it
+/// that is never broken.
 String shortened(const String& name) {
   const size_t length = length_in_box(name.c_str());
   std::string shown(name.c_str(), length);
   std::replace_if(shown.begin(), shown.end(), &is_blank, ' ');
+  const auto both_blank = [](char a, char b) { return a == ' ' && b == ' '; };
+  shown.erase(std::unique(shown.begin(), shown.end(), both_blank), shown.end());
   if (name.c_str()[length] != '\0') shown += kEllipsis;
   return shown.c_str();
 }
