@@ -11,9 +11,12 @@ from support.registry import Key
 from support.seeding import has_key, path_of, seed, set_value
 from support.setups import OTHER, SETUP
 from support.watching import PLACES, shows_by_itself
-from support.window import BUTTONS, CANCEL, MODIFY, OK, REMOVE, REPAIR, UNINSTALL, Window
+from support.window import (BUTTONS, CANCEL, MODIFY, OK, OPEN_FOLDER, REMOVE, REPAIR, UNINSTALL,
+                            WM_CLOSE, Window)
 
-ESCAPE_COMMAND = 2
+WM_QUIT, WM_CANCELMODE, WM_SYSCOMMAND, WM_APP = 0x12, 0x1F, 0x112, 0x8000
+SC_MAXIMIZE, SC_KEYMENU = 0xF030, 0xF100
+ESCAPE_COMMAND, INFO = 2, 2005
 ENDS_WITHIN = 5
 
 PRODUCTS = ["{5F0C1B6A-11D4-4C0E-9D4E-6A1B2C3D4E5%d}" % number for number in range(4)]
@@ -244,6 +247,146 @@ def test_a_package_that_goes_while_it_is_asked_about_is_uninstalled_all_the_same
     box.answer(OK)
     setups.setup.wait_for_starts('/S "two words" %windir% /delete:Editor')
     check_alive(window)
+    assert window.program.close() == 0
+
+
+def wait_met(window):
+    """Until all that has been posted is met: messages are, in their order, in a menu's
+    loop, too."""
+    window.program.ask("post", WM_SYSCOMMAND, SC_MAXIMIZE, 0)
+    eventually(lambda: window.program.window()["zoomed"], "it is maximised")
+
+
+def menu_opened(window):
+    """The system menu, whose loop keeps every refresh waiting."""
+    window.program.activate()
+    window.program.ask("post", WM_SYSCOMMAND, SC_KEYMENU, ord(" "))
+    window.desk.driver("wait-window", window.program.pid, "#32768", "", 20000)
+
+
+def menu_closed(window):
+    window.program.ask("post", WM_CANCELMODE, 0, 0)
+    eventually(lambda: not window.program.ask("in-menu"), "the menu is closed")
+
+
+@pytest.mark.parametrize("command, cycles", [(UNINSTALL, 1), (MODIFY, 2)])
+def test_a_change_that_waits_for_a_menus_end_counts_as_seen(setups, command, cycles):
+    """Modify isn't content with it: the other side of what is counted."""
+    words = "/wait:installer-go"
+    key = Key("user", "Editor", dict(EDITOR.values, UninstallString=f"{SETUP} {words}",
+                                     ModifyPath=f"{SETUP} {words}"))
+    window = setups.open_held([key, NEST])
+    act(window, key, command)
+    eventually(setups.setup.lines, "the installer runs")
+    before, watches = setups.passes(), setups.watches()
+    menu_opened(window)
+    window.desk.driver("reg-delete", "HKCU", 64, path_of("Nest"))
+    eventually(lambda: setups.watches() > watches, "the change is told of")
+    wait_met(window)
+    window.desk.driver("event-set", "installer-go")
+    eventually(lambda: not setups.setup.running(), "the installer has ended")
+    assert setups.passes() == before
+    menu_closed(window)
+    wait_gone(window, NEST)
+    eventually(lambda: setups.passes() >= before + cycles, "it is read again")
+    setups.check_passes(window, cycles, before)
+    assert window.program.close() == 0
+
+
+# During a refresh.
+
+def open_in_second_pass(setups, key, *more):
+    """Held in it, with the list of the first one."""
+    window = setups.open_held([key, *more], "hold@source5")
+    window.choose(key.values["DisplayName"])
+    window.program.ask("post", WM_APP, 0, 0)
+    setups.held.reached()
+    return window
+
+
+def check_nothing_started(window, setups):
+    wait_met(window)
+    window.program.ask("ping", 3, 5000)
+    assert window.boxes() == [] and setups.setup.lines() == setups.msiexec.lines() == []
+
+
+@pytest.mark.parametrize("times", [1, 3])
+def test_modify_during_a_refresh_starts_once_after_it(setups, times):
+    window = open_in_second_pass(setups, EDITOR, SUITE)
+    before = setups.passes()
+    for _ in range(times):
+        window.post(MODIFY)
+    check_nothing_started(window, setups)
+    setups.held.go()
+    eventually(setups.setup.lines, "the installer is started")
+    eventually(lambda: setups.passes() == before + 1, "it is read again")
+    setups.check_passes(window, 1, before)
+    assert setups.setup.starts() == ["/modify"]
+    assert window.program.close() == 0
+
+
+@pytest.mark.parametrize("command, key", [(UNINSTALL, EDITOR), (REPAIR, SUITE), (REMOVE, EDITOR)])
+def test_what_asks_asks_after_the_refresh(setups, command, key):
+    window = open_in_second_pass(setups, key, NEST)
+    window.post(command)
+    check_nothing_started(window, setups)
+    setups.held.go()
+    box = window.box(TITLES[command])
+    assert box.text == TEXTS["english"][command] % (key.values["DisplayName"], key.name)
+    # The refresh has ended: nothing is held any more, and another one runs beneath the question.
+    window.program.ask("set-text", STATUS, "")
+    window.program.ask("command", REFRESH)
+    window.wait_filled(2)
+    assert setups.setup.lines() == setups.msiexec.lines() == []
+    box.answer(OK)
+    if command == UNINSTALL:
+        setups.setup.wait_for_starts('/S "two words" %windir% /delete:Editor')
+    elif command == REPAIR:
+        setups.msiexec.wait_for_starts(f"/f {BARE_PRODUCT}")
+    if command != REPAIR:
+        wait_gone(window, key)
+    window.wait_usable()
+    assert window.boxes() == []
+    assert window.program.close() == 0
+    assert setups.setup.lines() == setups.msiexec.lines() == []
+
+
+@pytest.mark.parametrize("end", ["close", "Escape", "quit"])
+@pytest.mark.parametrize("command, key", [
+    (MODIFY, EDITOR), (UNINSTALL, EDITOR), (REPAIR, SUITE), (REMOVE, EDITOR)])
+def test_an_action_that_waits_for_a_refresh_goes_with_the_window(setups, command, key, end):
+    window = open_in_second_pass(setups, key, NEST)
+    window.post(command)
+    if end == "quit":
+        wait_met(window)
+        window.program.ask("post-thread", WM_QUIT)
+        setups.held.go()
+        assert window.program.exit_code() == 0
+        assert setups.setup.lines() == setups.msiexec.lines() == []
+        return
+    if end == "close":
+        window.program.ask("post", WM_CLOSE, 0, 0)
+    else:
+        window.post(ESCAPE_COMMAND)
+    check_nothing_started(window, setups)
+    start = time.monotonic()
+    setups.held.go()
+    assert window.program.exit_code() == 0
+    assert time.monotonic() - start < ENDS_WITHIN
+    assert setups.setup.lines() == setups.msiexec.lines() == [] and has_key(setups.desk, key)
+
+
+def test_tools_and_folders_wait_for_no_refresh(setups):
+    info = setups.system("msinfo32.exe")
+    setups.desk.prefix.import_registry(handlers.reg_text(handlers.handler("Folder", SETUP)))
+    key = Key("user", "Placed", dict(EDITOR.values, InstallLocation="C:\\Setups"))
+    window = open_in_second_pass(setups, key)
+    window.post(OPEN_FOLDER)
+    setups.setup.wait_for_starts('"C:\\Setups"')
+    window.post(INFO)
+    info.wait_for_starts("")
+    assert window.program.status() == "1 / 1 packages" and not setups.held.has_reached()
+    setups.held.go()
     assert window.program.close() == 0
 
 
@@ -494,6 +637,42 @@ def test_a_question_about_a_name_without_end_can_be_read_and_answered(setups, la
     assert window.program.close() == 0
 
 
+ENDLESS = {
+    "letters": "x" * 400, "wide letters": "W" * 2000, "line breaks": "x" + "\r\n" * 400 + "x",
+    "breaks alone": "\n" * 400 + "x", "words": "name " * 20000, "tabs": "\t" * 400 + "x",
+    "ampersands": "&" * 2000, "wide words": "W" * 99 + (" " + "W" * 99) * 20}
+LONG_NAMES = {"short": "Endless", "letters": "W" * 200, "words": ("W" * 49 + " ") * 4 + "W"}
+
+
+def check_on_screen(rect, what):
+    left, top, right, bottom = rect
+    assert 0 <= left < right <= 1280 and 0 <= top < bottom <= 1024, (what, rect)
+
+
+@pytest.mark.parametrize("name", LONG_NAMES)
+@pytest.mark.parametrize("display_name", ENDLESS)
+@pytest.mark.parametrize("language", ["english", "german"])
+def test_no_name_moves_a_question_off_the_screen(setups, language, display_name, name):
+    key = Key("user", LONG_NAMES[name], {
+        "DisplayName": ENDLESS[display_name], "UninstallString": SETUP, "WindowsInstaller": 1})
+    seed(setups.desk, [key])
+    window = Window(setups.desk, language)
+    window.wait_filled(1)
+    window.program.choose_row(0)
+    for command, title in TITLES.items():
+        window.post(command)
+        box = window.box(title)
+        check_on_screen(box.frame(), title)
+        for number in (OK, CANCEL):
+            check_on_screen(box.button(number)["screen"], (title, number))
+        picture = f"{language}-box-{display_name}-{name}-{command}.png".replace(" ", "-")
+        window.program.picture(SCREENSHOTS / picture)
+        box.press_key("Escape")
+    window.wait_usable()
+    assert setups.setup.lines() == setups.msiexec.lines() == [] and has_key(setups.desk, key)
+    assert window.program.close() == 0
+
+
 # Without a mouse.
 
 KEYS_OF = {"english": {"uninstall": "u", "button": "alt+u"},
@@ -629,3 +808,31 @@ def test_a_button_acts_by_a_click(window, setups, command, key, arguments):
     assert window.program.close() == 0
 
 
+
+
+def test_a_whole_day_leaves_nothing_behind(setups):
+    """What is live at the beginning of each pass, of the key F5 and of what follows an installer,
+    once the first turns have filled what is filled once."""
+    window = setups.open_held(KEYS, LIVE="C:\\Setups\\live.txt")
+    live_file = setups.desk.prefix.host_path("C:\\Setups\\live.txt")
+    live = []
+    for _ in range(20):
+        window.choose("Birchwood Editor")
+        window.program.press_key("shift+F10")
+        window.wait_for_popup()
+        window.leave_popup()
+        window.program.ask("set-text", SEARCH, "birch")
+        window.wait_filled(1, len(KEYS))
+        window.program.ask("set-text", SEARCH, "")
+        window.wait_filled(len(KEYS))
+        before = setups.passes()
+        window.program.press_key("F5")
+        eventually(lambda: setups.passes() == before + 1, "it is read again")
+        window.wait_filled(len(KEYS))
+        act(window, EDITOR, MODIFY)
+        setups.setup.wait_for_starts("/modify")
+        eventually(lambda: setups.passes() == before + 2, "it is read again")
+        window.wait_filled(len(KEYS))
+        live.append(tuple(live_file.read_text().split("\n")[-3:-1]))
+    assert len(set(live[2:])) == 1, live
+    assert window.program.close() == 0

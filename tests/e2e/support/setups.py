@@ -37,18 +37,25 @@ class Setups:
                          b"native\0")
         return self.installer(f"{SYSTEM}\\{name}")
 
-    def open_held(self, keys):
+    def open_held(self, keys, points="", **variables):
         """The program with what counts its passes, filled with these keys."""
         seed(self.desk, keys)
         self._trace.unlink(missing_ok=True)
-        window = Window(self.desk, program=self.held.start("", TRACE=TRACE))
+        window = Window(self.desk, program=self.held.start(points, TRACE=TRACE, **variables))
         window.wait_filled(len(keys))
         return window
 
+    def _reached(self, point):
+        """How often a point whose name begins so has been reached."""
+        return sum(line.startswith(point) for line in self._trace.read_text().split())
+
     def passes(self):
         """How many have begun."""
-        sources = [line for line in self._trace.read_text().split() if line.startswith("source")]
-        return (len(sources) + 2) // 3
+        return (self._reached("source") + 2) // 3
+
+    def watches(self):
+        """How often a watcher has begun to wait: the notice of what it has seen is posted."""
+        return self._reached("watch")
 
     def check_passes(self, window, count, before):
         """That there have been `count` since `before`, none of which runs still or is to come: one

@@ -40,6 +40,9 @@ class Box:
         (found,) = [button for button in self._controls("Button") if button["id"] == number]
         return found
 
+    def frame(self):
+        return self.desk.driver("window", self.handle)["frame"]
+
     def answer(self, number):
         self.desk.driver("post", self.handle, WM_COMMAND, number, 0)
         self.wait_gone()
