@@ -23,17 +23,6 @@ class SignalAtEnd {
   ORLO::Event& event_;
 };
 
-class ClearAtEnd {
- public:
-  explicit ClearAtEnd(std::atomic<bool>& flag) noexcept : flag_(flag) {}
-  ~ClearAtEnd() { flag_ = false; }
-  ClearAtEnd(const ClearAtEnd&) = delete;
-  ClearAtEnd& operator=(const ClearAtEnd&) = delete;
-
- private:
-  std::atomic<bool>& flag_;
-};
-
 /// Leaves a section that was entered already.
 class Entered {
  public:
@@ -62,7 +51,6 @@ void IconUpdater::start_pass() {
 }
 
 int IconUpdater::Run() {
-  const ClearAtEnd end(busy);
   parts_.apply_thread_language();
   while (!stop_requested()) {
     ORLO::Waitable* const items[] = {&wakeEvent, &finish_signal()};

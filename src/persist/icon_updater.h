@@ -89,6 +89,6 @@ class IconUpdater : public ORLO::ActiveFinisher {
   const Parts parts_;
   ORLO::Event wakeEvent;
   ORLO::Event doneEvent;
-  std::atomic<bool> busy{false};
+  bool busy = false;  ///< a pass has been asked for
   std::atomic<int> pauses_{0};
 };

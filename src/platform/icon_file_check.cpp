@@ -145,7 +145,7 @@ class Resources {
   Resources(Numbers& numbers, uint64_t header) : numbers_(numbers) {
     const uint64_t optional = header + 24;
     const bool wide = numbers_.at16(optional) == 0x20B;
-    const uint32_t address = numbers_.at32(optional + (wide ? 112 : 96) + uint64_t{2} * 8);
+    const uint32_t address = numbers_.at32(optional + (wide ? 112 : 96) + 16U);
     const uint64_t table = optional + numbers_.at16(header + 20);
     const uint32_t count = numbers_.at16(header + 6);
     for (uint32_t i = 0; i < count && numbers_.sound(); ++i)
@@ -232,7 +232,7 @@ class Resources {
       const uint32_t below = address - section.address;
       found = {section.raw.offset + below, section.raw.size - below};
     }
-    if (found.size == 0 || size > found.size) numbers_.spoil();
+    if (size > found.size) numbers_.spoil();
     return found;
   }
 

@@ -24,9 +24,13 @@ std::string with(std::string bytes, size_t at, uint32_t number) {
   return bytes.replace(at, 4, ByteWriter().put32(number).bytes);
 }
 
+std::string with(std::string bytes, size_t at, uint32_t number, uint32_t second, uint32_t third) {
+  return with(with(with(std::move(bytes), at, number), at + 4, second), at + 8, third);
+}
+
 /// A 16-bit library with an icon's directory and its picture.
 std::string old_library() {
-  const std::string picture = ByteWriter{icon_bitmap(16, 1)}.pad_to(71 * 16).bytes;
+  const std::string picture = ByteWriter{icon_bitmap(16, 1)}.pad_to(size_t{71} * 16).bytes;
   ByteWriter out;
   out.put8('M').put8('Z').pad_to(0x3C).put32(0x40);
   out.put8('N').put8('E').pad_to(0x40 + 0x24).put16(0x40).pad_to(0x80);
@@ -105,13 +109,37 @@ TEST(IconFileCheck, RefusesTablesThatLeadAstray) {
       {"old tables elsewhere", with(old_library(), 0x40 + 0x24, 0xFFFF)},
       {"old resource elsewhere", with(old_library(), 0x80 + 10, 0x2FFFF)},
       {"old picture too long", with(old_library(), 0x80 + 30, 0xFFFF0022)},
-      {"old shift", with(old_library(), 0x80, 0x800E0011)},
-      {"old icon of too many sizes", with(old_library(), 0x204, 0xFFFF)},
+      {"old picture too wide", with(old_library(), 0x220 + 4, 0x10000010)},
+      {"old shift", with(old_library(), 0x80, 0x800E0044)},
+      {"old icon of too many sizes", with(old_library(), 0x204, 0x10100003)},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.trace);
     EXPECT_FALSE(sound(row.bytes));
   }
+}
+
+TEST(IconFileCheck, KeepsResourcesInsideTheirSection) {
+  // So that nothing leads out of the file.
+  const std::string whole = library() + std::string(0x20000, '\0');
+  const auto section_size = static_cast<uint32_t>(library().size() - kTree);
+  ASSERT_TRUE(sound(whole));
+  const size_t size_of_icon =
+      whole.find(ByteWriter().put32(icon_bitmap(16, 0).size()).put32(0).put32(0).bytes);
+  EXPECT_FALSE(sound(with(whole, size_of_icon, section_size)));
+  EXPECT_FALSE(sound(with(whole, size_of_icon - 4, ResourceSection::kRva + section_size)));
+  EXPECT_FALSE(sound(with(whole, kTree + 32 + 16 + 4, 0x80000000 + section_size + 0x100)));
+  const size_t language = whole.find(ByteWriter().put32(0x409).bytes);
+  EXPECT_TRUE(sound(whole, 2));
+  EXPECT_FALSE(sound(with(whole, language + 4, section_size + 0x100), 2));
+}
+
+TEST(IconFileCheck, RefusesSectionsThatOverlap) {
+  const auto section_size = static_cast<uint32_t>(library().size() - kTree);
+  const std::string twice =
+      with(library(), kSection + 40 + 12, ResourceSection::kRva, section_size, kTree);
+  EXPECT_TRUE(sound(twice));
+  EXPECT_FALSE(sound(with(twice, kSignature + 4, 0x2014C))) << "the second one counts";
 }
 
 TEST(IconFileCheck, TakesAPictureInAPackedFormAsItIs) {
