@@ -92,11 +92,11 @@ def check_alive(window):
     """It answers, searches and counts while an installer runs."""
     program = window.program
     program.ask("ping", 3, 5000)
-    whole = program.status()
+    count = len(window.names())
     program.ask("set-text", SEARCH, "lantern")
     eventually(lambda: window.names() == ["Lantern"], "what is searched for")
     program.ask("set-text", SEARCH, "")
-    program.wait_for_status(whole)
+    window.wait_filled(count)
 
 
 # Asking first.
@@ -119,7 +119,7 @@ def test_what_can_not_be_undone_is_asked_for(window, command, key):
 @pytest.mark.parametrize("command, key", [(UNINSTALL, EDITOR), (REPAIR, SUITE), (REMOVE, EDITOR)])
 def test_a_no_changes_nothing_and_starts_no_cycle(setups, command, key, refusal):
     window = setups.open_held(KEYS)
-    before = setups.passes()
+    before = setups.begin_count(window)
     window.choose(key.values["DisplayName"])
     window.program.activate()
     window.post(command)
@@ -190,13 +190,13 @@ def test_modify_starts_at_once(window, setups, key, arguments):
 @pytest.mark.parametrize("command, key", [(MODIFY, EDITOR), (REPAIR, SUITE), (UNINSTALL, SUITE)])
 def test_the_list_is_read_again_when_an_installer_has_ended(setups, command, key):
     window = setups.open_held(KEYS)
-    before = setups.passes()
+    before = setups.begin_count(window)
     installer = setups.setup if key is EDITOR else setups.msiexec
     installer.always("/wait:installer-go")
     act(window, key, command)
     eventually(lambda: installer.lines(), "the installer runs")
     check_alive(window)
-    assert setups.passes() == before
+    assert setups.begin_count(window) == before
     setups.desk.driver("event-set", "installer-go")
     eventually(lambda: setups.passes() == before + 1, "it is read again")
     setups.check_passes(window, 1, before)
@@ -212,7 +212,7 @@ def test_uninstall_alone_is_content_with_a_change_that_was_seen_meanwhile(setups
     act(window, key, command)
     wait_gone(window, NEST)
     window.wait_filled(1)
-    before = setups.passes()
+    before = setups.begin_count(window)
     setups.desk.driver("event-set", "installer-go")
     eventually(lambda: not setups.setup.running(), "the installer has ended")
     if more:
@@ -424,7 +424,7 @@ def test_a_key_that_can_not_be_deleted_is_told_and_its_row_stays(window, key, be
 
 def test_a_key_that_can_not_be_deleted_starts_no_cycle(setups):
     window = setups.open_held(KEYS)
-    before = setups.passes()
+    before = setups.begin_count(window)
     act(window, LANTERN, REMOVE)
     window.box("Exception").answer(OK)
     window.wait_usable()
@@ -448,7 +448,7 @@ def test_a_command_that_starts_nothing_is_passed_over_and_the_list_read_again(se
     key = Key("user", "Useless", {"DisplayName": "Useless", "UninstallString": USELESS[name]})
     setups.desk.prefix.make_file("C:\\Setups\\strange.zolvaneunknown", b"text")
     window = setups.open_held([key])
-    before = setups.passes()
+    before = setups.begin_count(window)
     act(window, key, UNINSTALL)
     eventually(lambda: setups.passes() == before + 1, "it is read again", limit=60)
     assert window.boxes() == []
@@ -465,7 +465,7 @@ def test_a_command_that_is_no_program_is_opened_by_what_its_kind_is_opened_with(
         handlers.document("zolvanedoc", SETUP), handlers.handler("Folder", SETUP)))
     setups.desk.prefix.make_file("C:\\Setups\\read me.zolvanedoc", b"text")
     window = setups.open_held([key])
-    before = setups.passes()
+    before = setups.begin_count(window)
     act(window, key, UNINSTALL)
     setups.setup.wait_for_starts(f'"{command}"')
     eventually(lambda: setups.passes() == before + 1, "it is read again")
@@ -564,7 +564,7 @@ def test_an_outer_action_that_ends_first_is_followed_once_the_inner_one_has_ende
                                "ModifyPath": f"{SETUP} /wait:{name}"})
             for day, name in enumerate(("Outer", "Inner"), 1)]
     window = setups.open_held(keys)
-    before = setups.passes()
+    before = setups.begin_count(window)
     for number, key in enumerate(keys, 1):
         act(window, key, MODIFY)
         eventually(lambda: len(setups.setup.lines()) == number, f"{number} run")
@@ -720,7 +720,7 @@ def test_from_start_to_uninstalled_by_keyboard_alone(window, setups, way):
 def test_refresh_acts_on_its_click_alone(setups, code, counts):
     """0: clicked, 1: to be drawn, 5: clicked twice, 6 and 7: the focus comes and goes."""
     window = setups.open_held(KEYS)
-    before = setups.passes()
+    before = setups.begin_count(window)
     window.program.ask("command", REFRESH, code)
     setups.check_passes(window, counts, before)
     assert window.program.close() == 0
@@ -729,8 +729,7 @@ def test_refresh_acts_on_its_click_alone(setups, code, counts):
 @pytest.mark.parametrize("way", ["F5", "click"])
 def test_refresh_by_key_and_by_mouse(setups, way):
     window = setups.open_held(KEYS)
-    before = setups.passes()
-    window.program.ask("set-text", STATUS, "")
+    before = setups.begin_count(window)
     window.program.activate()
     if way == "F5":
         window.program.press_key("F5")

@@ -57,10 +57,19 @@ class Setups:
         """How often a watcher has begun to wait: the notice of what it has seen is posted."""
         return self._reached("watch")
 
+    def begin_count(self, window):
+        """How many passes there have been; from here on the end of one shows."""
+        window.program.ask("set-text", STATUS, "")
+        return self.passes()
+
     def check_passes(self, window, count, before):
-        """That there have been `count` since `before`, none of which runs still or is to come: one
-        that did would be followed by another, as a Refresh from scratch asks for its own."""
+        """That there have been `count` since the counting began with `before`, none of which runs
+        still or is to come: one that did would be followed by another, as a Refresh from scratch
+        asks for its own."""
         shown = len(window.names())
+        if count:
+            window.wait_filled(shown)
+        assert self.passes() == before + count
         window.program.ask("set-text", STATUS, "")
         window.program.ask("command", REFRESH)
         window.wait_filled(shown)
