@@ -10,7 +10,7 @@ from conftest import BINARIES, SCREENSHOTS
 from support.held import HeldDesk
 from support.icons import icon_file, nth_colour
 from support.installers import Installer
-from support.program import LIST, REFRESH, STATUS, DriverError, eventually
+from support.program import LIST, REFRESH, SEARCH, STATUS, DriverError, eventually
 from support.registry import Key
 from support.seeding import seed
 from support.window import NAME_COLUMN, PANE_ICON, STM_GETICON, Window
@@ -334,11 +334,18 @@ def test_without_persistence_no_file_is_written_or_read(desk):
     assert kept == (paths_file(desk).read_bytes(), images_file(desk).read_bytes())
 
 
-def other_size(content):
-    """As from a system whose small icons are 32 pixels wide and high."""
-    return content[:10] + (32).to_bytes(2, "little") * 2 + content[14:]
+def icon_pixels(window, picture):
+    """What the middle of each package's icon looks like."""
+    found = {}
+    for row, name in enumerate(window.names()):
+        left, top, _, _ = window.program.ask("list-icon-rect", LIST, row)["screen"]
+        found[name] = tuple(tuple(picture.row(line, left + 2, left + 14))
+                            for line in range(top + 2, top + 14))
+    return found
 
 
+# What is read all the same.
+HARMLESS = ("large after its mark",)
 DAMAGE = {
     "random": lambda content: random.Random(4).randbytes(len(content)),
     "random after its mark": lambda content: content[:4] + random.Random(5).randbytes(5000),
@@ -347,7 +354,6 @@ DAMAGE = {
     "header alone": lambda content: content[:28],
     "zero": lambda content: b"",
     "one byte": lambda content: b"I",
-    "other size": other_size,
     "missing": None,
     "large": lambda content: bytes(100_000_000),
     "large after its mark": lambda content: content + bytes(100_000_000),
@@ -362,8 +368,20 @@ def test_a_damaged_image_file_costs_icons_alone(desk, damage):
         images_file(desk).write_bytes(DAMAGE[damage](images_file(desk).read_bytes()))
     else:
         images_file(desk).unlink()
+    written = paths_file(desk).stat().st_mtime_ns
     window = open_saving(desk)
     window.program.ask("ping", 3, 5000)
+    if damage in HARMLESS:
+        wait_for_images(window, EXPECTED)
+        assert shown_wrongly(window) == {}
+    else:
+        # The numbers that are known lead beyond the images: every row shows the default one, at
+        # the end of a pass, too.
+        eventually(lambda: paths_file(desk).stat().st_mtime_ns != written, "a pass has ended")
+        assert set(images(window).values()) == {0}
+        pixels = icon_pixels(window, window.program.picture())
+        assert len(set(pixels.values())) == 1, pixels
+        assert set(row_colours(window, window.program.picture()).values()) == {None}
     window.choose("Second")
     assert pane_colour(window, window.program.picture()) == GREEN
     window.program.picture(SCREENSHOTS / f"damaged-{damage.replace(' ', '-')}.png")
@@ -378,17 +396,22 @@ def test_a_damaged_image_file_costs_icons_alone(desk, damage):
     assert window.program.close() == 0
 
 
-def test_images_of_another_resolution_are_loaded_anew(make_desk, desk):
-    with make_desk(dpi=192) as fine:
-        furnish(fine)
-        fill_cache(fine)
-        desk.prefix.kept.mkdir(parents=True, exist_ok=True)
+@pytest.mark.parametrize("before, after", [(192, None), (None, 192), (120, 192)])
+def test_images_of_another_resolution_are_loaded_anew(make_desk, before, after):
+    with make_desk(dpi=before) as old, make_desk(dpi=after) as new:
+        furnish(old)
+        furnish(new)
+        fill_cache(old)
+        new.prefix.kept.mkdir(parents=True, exist_ok=True)
         for file in (paths_file, images_file):
-            file(desk).write_bytes(file(fine).read_bytes())
-    window = open_saving(desk)
-    wait_for_images(window, EXPECTED)
-    assert shown_wrongly(window) == {}
-    assert window.program.close() == 0
+            file(new).write_bytes(file(old).read_bytes())
+        kept = images_file(new).read_bytes()
+        window = open_saving(new)
+        wait_for_images(window, EXPECTED)
+        assert shown_wrongly(window) == {}
+        assert window.program.close() == 0
+        # Kept in their new size from here on.
+        assert images_file(new).read_bytes()[10:14] != kept[10:14]
 
 
 GARBAGE = {
@@ -474,15 +497,74 @@ def test_every_row_of_many_gets_its_own_icon(many):
     assert window.program.close() == 0
 
 
-def test_a_refresh_in_the_middle_of_a_pass(many):
-    window = Window(many)
-    for _ in range(5):
-        eventually(lambda: shown_count(window) > 0, "the pass has begun")
-        window.program.ask("set-text", STATUS, "")
-        window.program.ask("command", REFRESH)
-        window.wait_filled(MANY)
-        window.program.ask("ping", 1, 5000)
-    eventually(lambda: shown_count(window) == MANY, "every row has its icon", limit=120)
+def open_in_the_middle(desk):
+    """Some rows have their icon by now, and others haven't."""
+    window = Window(desk)
+    shown = eventually(lambda: shown_count(window), "the pass has begun")
+    assert 0 < shown < MANY
+    return window
+
+
+def wait_for_all(window):
+    eventually(lambda: shown_count(window) == MANY, lambda: f"{shown_count(window)} icons", 120)
+
+
+@pytest.mark.parametrize("number", [2, MANY // 2, MANY])
+def test_a_refresh_in_the_middle_of_a_pass(many, number):
+    """Before the icon of this number is loaded."""
+    held = HeldDesk(many, BINARIES / "zolvane-held.exe")
+    trace = held.drive_c / "trace.txt"
+    trace.unlink(missing_ok=True)
+    window = Window(many, program=held.start(f"hold@icon{number}", TRACE="C:\\trace.txt"))
+    held.reached()
+    assert 0 < shown_count(window) == number - 1 < MANY
+    window.wait_filled(MANY)
+    window.program.ask("set-text", STATUS, "")
+    window.post(REFRESH)
+    held.go()
+    window.wait_filled(MANY)
+    window.program.ask("ping", 1, 5000)
+    wait_for_all(window)
+    assert len(set(images(window).values())) == MANY
+    assert window.program.close() == 0
+    # Nothing is extracted twice.
+    assert sum(line.startswith("icon") for line in trace.read_text().split()) == MANY
+    held.end_programs()
+
+
+FILTERS_WITHIN = 1
+
+
+def test_what_is_typed_during_a_pass_filters_at_once(many):
+    window = open_in_the_middle(many)
+    window.program.activate()
+    for typed, count in (("p", MANY), ("1", 100), ("2", 10), ("7", 1)):
+        many.screen.type_text(typed)
+        typed_at = time.monotonic()
+        window.wait_filled(count, MANY)
+        assert time.monotonic() - typed_at < FILTERS_WITHIN
+    assert window.names() == ["P127"]
+    for _ in "127":
+        many.screen.press_key("BackSpace")
+    window.wait_filled(MANY)
+    # The pass was broken off and goes on.
+    wait_for_all(window)
+    assert window.program.close() == 0
+
+
+def test_nothing_that_is_typed_during_a_pass_is_lost(many):
+    window = open_in_the_middle(many)
+    window.program.activate()
+    text = "p1 the quick brown fox jumps over the lazy dog 0123456789"
+    many.screen.type_text(text)
+    end = time.monotonic()
+    eventually(lambda: window.program.ask("text", SEARCH) == text,
+               lambda: f"what is typed, which is {window.program.ask('text', SEARCH)!r}")
+    window.wait_filled(0, MANY)
+    assert time.monotonic() - end < FILTERS_WITHIN
+    window.program.ask("set-text", SEARCH, "")
+    window.wait_filled(MANY)
+    wait_for_all(window)
     assert window.program.close() == 0
 
 
@@ -502,3 +584,4 @@ def test_it_closes_at_any_moment_of_a_pass(many):
         hit.append(shown_count(window))
         assert window.program.close() == 0
     print(f"icons at the close: {sorted(hit)}")
+    assert sum(0 < shown < MANY for shown in hit) > CLOSES / 3, sorted(hit)
