@@ -398,8 +398,8 @@ def test_remove_deletes_the_key_and_the_row(window, setups, key):
     wait_gone(window, key)
     assert not has_key(window.desk, key)
     window.wait_filled(len(KEYS) - 1)
-    assert setups.setup.lines() == []
     assert window.program.close() == 0
+    assert setups.setup.lines() == []
 
 
 def subkey_below_nest(desk):

@@ -136,7 +136,8 @@ class Window:
     def cell_rect(self, row, column):
         return self.program.ask("list-cell-rect", LIST, row, column)["screen"]
 
-    def click_cell(self, name, column, button=1, times=1):
+    def click_cell(self, name, column, button=1, times=1, shift=0):
+        """`shift`: a second click at the very same place would count as a double click."""
         self.program.activate()
         row = self.row_of(name)
         left, _, right, _ = self.program.control(LIST)["screen"]
@@ -144,6 +145,6 @@ class Window:
         if not left + 20 < middle < right - 20:
             self.program.send_to(LIST, 0x1014, middle - (left + right) // 2)  # LVM_SCROLL
         cell = self.cell_rect(row, column)
-        self.desk.screen.click(max((cell[0] + cell[2]) // 2, left + 4), (cell[1] + cell[3]) // 2,
-                               button, times)
+        self.desk.screen.click(max((cell[0] + cell[2]) // 2, left + 4) + shift,
+                               (cell[1] + cell[3]) // 2, button, times)
 
