@@ -21,7 +21,8 @@ constexpr uint32_t kMostColors = 256;
 
 /// Little-endian numbers of a file. One that isn't there is 0, and spoils the whole.
 class Numbers {
-  static constexpr size_t kBlockSize = 4096;
+  /// A small file is read at once.
+  static constexpr size_t kBlockSize = 16384;
   static constexpr size_t kMostBlocks = 8;
   struct Block {
     uint64_t start = 0;

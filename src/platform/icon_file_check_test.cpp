@@ -161,7 +161,7 @@ TEST(IconFileCheck, LooksAtThePicturesOfTheIconThatIsWantedAlone) {
 
 TEST(IconFileCheck, RefusesAFileThatCannotBeRead) {
   MemoryFile file{library()};
-  file.refuses_from = 0x200;
+  file.refuses_from = 0;
   file.error = 23;
   RawMemoryFile raw(file);
   EXPECT_FALSE(check_icon_file(raw, 0));

@@ -1,5 +1,7 @@
 #include "platform/icons.h"
 
+#include <cstring>
+
 #include "orlo/file_modes.h"
 #include "platform/icon_file_check.h"
 #include "platform/system_icon.h"
@@ -13,9 +15,13 @@ constexpr uint32_t kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_D
 /// False if the tables of a file lead astray. The file is the one that the platform is going to
 /// find; what can't be looked at is the platform's to judge.
 bool is_sound(const char* name, int32_t index) {
-  char path[MAX_PATH] = "";
-  const DWORD length = SearchPathA(nullptr, name, nullptr, MAX_PATH, path, nullptr);
-  if (length == 0 || length >= MAX_PATH) return true;
+  char found[MAX_PATH] = "";
+  const char* path = name;
+  if (std::strpbrk(name, "\\/:") == nullptr) {
+    const DWORD length = SearchPathA(nullptr, name, nullptr, MAX_PATH, found, nullptr);
+    if (length == 0 || length >= MAX_PATH) return true;
+    path = found;
+  }
   const auto file =
       ORLO::open_raw_file(path, ORLO::FileAccess::read, ORLO::kOpenExisting, kShareAll, 0);
   return file == nullptr || check_icon_file(*file, index);
