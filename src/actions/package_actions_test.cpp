@@ -540,7 +540,7 @@ TEST_F(PackageActionsTest, QuestionsShowANameInOneParagraph) {
   UninstallEntry entry = plain_entry();
   entry.displayName = "a\r\nb\tc\x01 d";
   actions_.uninstall(entry);
-  EXPECT_EQ(frame_.boxes[0], "confirm Uninstallation: un a  b c  d [birch]");
+  EXPECT_EQ(frame_.boxes[0], "confirm Uninstallation: un a b c d [birch]");
 }
 
 TEST_F(PackageActionsTest, QuestionsCutLongNamesButCommandsDoNot) {
