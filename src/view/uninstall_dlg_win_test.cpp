@@ -1,10 +1,12 @@
 // The main window over a registry in memory: what can't be told from outside the process.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "orlo/system_text.h"
+#include "view/later_script_test_support.h"
 #include "view/uninstall_dlg_test_support.h"
 
 namespace {
@@ -323,12 +325,19 @@ TEST_F(ChoosingUninstallDlgTest, AButtonActsOnItsClickAlone) {
 
 TEST_F(ChoosingUninstallDlgTest, ThreeInstallersAreWaitedForOneInsideTheOtherAndACloseEndsAll) {
   choose(0);
-  for (int i = 0; i < 2; ++i)
-    PostMessageA(window, WM_COMMAND, IDC_MODIFY, 0);
-  PostMessageA(window, WM_CLOSE, 0, 0);
+  // Each is chosen while the one before is waited for. One that meets a refresh is chosen again.
+  std::function<void()> next = [&] {
+    if (shell.starts().size() < 3) {
+      LaterScript::set(next);
+      SendMessageA(window, WM_COMMAND, IDC_MODIFY, 0);
+    } else {
+      SendMessageA(window, WM_CLOSE, 0, 0);
+    }
+  };
+  const LaterScript later(next);
   // Returns once the close has ended all three waits; no process ever ends.
   SendMessageA(window, WM_COMMAND, IDC_MODIFY, 0);
-  EXPECT_EQ(shell.starts().size(), 3u);
+  EXPECT_GE(shell.starts().size(), 3u);
   EXPECT_EQ(shell.owned_processes(), 0u);
 }
 
