@@ -77,7 +77,7 @@ bool canRemoveEntry(const UninstallEntry* entry) noexcept {
   return entry != nullptr && entry->HKEY_ROOT != 0;
 }
 
-PackageActions::PackageActions(const Parts& parts, ActionTexts texts, Wait wait)
+PackageActions::PackageActions(const ActionParts& parts, ActionTexts texts, Wait wait)
     : parts_(parts), texts_(std::move(texts)), wait_(wait) {}
 
 void PackageActions::uninstall(const UninstallEntry& entry) {

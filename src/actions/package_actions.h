@@ -1,12 +1,9 @@
 // Uninstall, modify, repair, and the removal of a registry entry.
 #pragma once
 
-#include "actions/action_frame.h"
+#include "actions/action_parts.h"
 #include "inventory/entry.h"
 #include "orlo/message_wait.h"
-#include "platform/files.h"
-#include "platform/registry.h"
-#include "platform/shell.h"
 
 bool canUninstall(const UninstallEntry* entry) noexcept;
 bool canModify(const UninstallEntry* entry) noexcept;
@@ -29,15 +26,9 @@ struct ActionTexts {
 class PackageActions {
  public:
   using Wait = int (*)(ORLO::Waitable* const* items, size_t count, uint32_t timeout);
-  /// All must outlive the actions.
-  struct Parts {
-    Files& files;
-    Shell& shell;
-    Registry& registry;
-    ActionFrame& frame;
-  };
 
-  PackageActions(const Parts& parts, ActionTexts texts, Wait wait = &ORLO::wait_with_messages);
+  PackageActions(const ActionParts& parts, ActionTexts texts,
+                 Wait wait = &ORLO::wait_with_messages);
 
   void uninstall(const UninstallEntry& entry);
   void modify(const UninstallEntry& entry);
@@ -52,7 +43,7 @@ class PackageActions {
   bool wait_for_end(ORLO::Waitable& process);
   RegStatus delete_entry(const UninstallEntry& entry);
 
-  const Parts parts_;
+  const ActionParts parts_;
   const ActionTexts texts_;
   const Wait wait_;
   ORLO::Event closeEvent;  ///< resets itself: a wait that it ends sets it for the next one

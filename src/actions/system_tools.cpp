@@ -54,7 +54,7 @@ String find_orca(Registry& registry) {
 
 }  // namespace
 
-SystemTools::SystemTools(const Parts& parts, ToolTexts texts, String cleanup_page)
+SystemTools::SystemTools(const ActionParts& parts, ToolTexts texts, String cleanup_page)
     : parts_(parts),
       texts_(std::move(texts)),
       cleanup_page_(cleanup_page),

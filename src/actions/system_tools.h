@@ -1,11 +1,8 @@
 // The tools of the system that help with software which can't be uninstalled.
 #pragma once
 
-#include "actions/action_frame.h"
+#include "actions/action_parts.h"
 #include "inventory/entry.h"
-#include "platform/files.h"
-#include "platform/registry.h"
-#include "platform/shell.h"
 
 struct ToolTexts {
   String product;  ///< the title of a plain box
@@ -16,16 +13,8 @@ struct ToolTexts {
 /// Lives on the main thread. A start that fails is not reported.
 class SystemTools {
  public:
-  /// All must outlive the tools.
-  struct Parts {
-    Files& files;
-    Shell& shell;
-    Registry& registry;
-    ActionFrame& frame;
-  };
-
   /// Looks for the editor of MSI files. `cleanup_page`: where the cleanup tool can be downloaded.
-  SystemTools(const Parts& parts, ToolTexts texts, String cleanup_page);
+  SystemTools(const ActionParts& parts, ToolTexts texts, String cleanup_page);
 
   void msi_cleanup();
   void msinfo();
@@ -44,7 +33,7 @@ class SystemTools {
   void open_busy(const String& text);
   String cleanup_command();
 
-  const Parts parts_;
+  const ActionParts parts_;
   const ToolTexts texts_;
   const String cleanup_page_;
   const String orcaCommand;

@@ -66,10 +66,9 @@ ToolTexts tool_texts(const ActionCommands::TextOf& text_of) {
 
 }  // namespace
 
-ActionCommands::ActionCommands(const Parts& parts, const TextOf& text_of)
-    : actions_({parts.files, parts.shell, parts.registry, parts.frame}, action_texts(text_of)),
-      tools_({parts.files, parts.shell, parts.registry, parts.frame}, tool_texts(text_of),
-             ZOLVANE_CLEANUP_TOOL_PAGE) {}
+ActionCommands::ActionCommands(const ActionParts& parts, const TextOf& text_of)
+    : actions_(parts, action_texts(text_of)),
+      tools_(parts, tool_texts(text_of), ZOLVANE_CLEANUP_TOOL_PAGE) {}
 
 bool ActionCommands::is_package_action(unsigned command) noexcept {
   return find_row(kActions, command) != nullptr;

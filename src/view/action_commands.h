@@ -11,17 +11,10 @@
 /// flowing.
 class ActionCommands {
  public:
-  /// All must outlive the commands.
-  struct Parts {
-    Files& files;
-    Shell& shell;
-    Registry& registry;
-    ActionFrame& frame;
-  };
   /// The text with this id.
   using TextOf = std::function<String(unsigned id)>;
 
-  ActionCommands(const Parts& parts, const TextOf& text_of);
+  ActionCommands(const ActionParts& parts, const TextOf& text_of);
 
   /// Does what the command is for, and returns when that is over. Does nothing if there is nothing
   /// to do it for. False if the command is none of these. The package must stay while the command

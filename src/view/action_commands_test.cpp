@@ -53,7 +53,7 @@ class ActionCommandsTest : public testing::Test {
 
   std::unique_ptr<ActionCommands> make() {
     return std::make_unique<ActionCommands>(
-        ActionCommands::Parts{files, shell, registry, frame},
+        ActionParts{files, shell, registry, frame},
         [](unsigned id) { return String::formatted("%u %%s %%s", id); });
   }
   std::vector<std::string> started() const {
