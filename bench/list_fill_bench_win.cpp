@@ -120,13 +120,13 @@ int main(int argc, char** argv) {
   std::unique_ptr<const Table> difference;
   double difference_time = 0;
   const double pass = median_of([&] {
-    reader.clear();
+    reader.rows().clear();
     Table current(packageSchema());
     const double took = timed([&] {
       reader.start_pass();
       ORLO::wait_for(reader.done_event(), ORLO::kInfinite);
     });
-    difference_time = timed([&] { difference = reader.hand_over(current); });
+    difference_time = timed([&] { difference = reader.rows().hand_over(current); });
     return took;
   });
   print_ratios("Filling the list with 2,000 entries",

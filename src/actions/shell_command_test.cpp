@@ -121,6 +121,7 @@ class EmptyFiles final : public Files {
   std::optional<String> search_path(const char*, const char*) override { return std::nullopt; }
   std::optional<String> expand_environment(const char*, size_t) override { return std::nullopt; }
   std::optional<String> system_folder() override { return std::nullopt; }
+  std::optional<String> windows_folder() override { return std::nullopt; }
 };
 
 TEST(ShellCommand, TakesBlanksOf32KB) {

@@ -3,6 +3,7 @@
 #include <new>
 #include <utility>
 
+#include "orlo/com_error.h"
 #include "orlo/exception.h"
 
 namespace {
@@ -34,10 +35,10 @@ class PassEnd {
 
 UninstallReader::UninstallReader(const Services& services, TellChange tell_change)
     : ActiveFinisher("UninstallReader"),
-      apply_thread_language_(services.apply_thread_language),
+      services_(services),
       tell_change_(std::move(tell_change)),
-      table_(packageSchema()),
-      source_(services.registry, services.files, services.clock) {
+      deliver_([this](const Row& row) { rows_.add(row); }),
+      uninstall_(services.registry, services.files, services.clock) {
   Registry& registry = services.registry;
   registry.open(kLocalMachine, kUninstallPath, kKeyRead, local_.key);
   if (services.under_wow64) {
@@ -51,6 +52,7 @@ UninstallReader::~UninstallReader() {
 }
 
 void UninstallReader::start_pass() {
+  whole_ = false;
   running_ = true;
   done_event_.reset();
   resume();
@@ -67,31 +69,18 @@ void UninstallReader::revive() {
   lost_ = false;
 }
 
-std::unique_ptr<Table> UninstallReader::hand_over(Table& current) {
-  const Lock hold(data_lock_);
-  if (!data_changed_.exchange(false)) return nullptr;
-  auto difference = std::make_unique<Table>(table_, current);
-  if (difference->size() != 0) current.assign(table_);
-  return difference;
-}
-
-void UninstallReader::clear() {
-  const Lock hold(data_lock_);
-  table_.clear_rows();
-}
-
 String UninstallReader::error_text() const {
-  const Lock hold(data_lock_);
+  const Lock hold(error_lock_);
   return error_text_;
 }
 
 void UninstallReader::set_error_text(const String& text) {
-  const Lock hold(data_lock_);
+  const Lock hold(error_lock_);
   error_text_ = text;
 }
 
 int UninstallReader::Run() {
-  apply_thread_language_();
+  services_.apply_thread_language();
   while (!stop_requested()) {
     ORLO::Waitable* items[] = {&start_event_, &finish_signal()};
     ORLO::wait_any(items, 2, ORLO::kInfinite);
@@ -113,48 +102,56 @@ int UninstallReader::Run() {
 void UninstallReader::guarded_pass() {
   try {
     pass();
+    return;
   } catch (const ORLO::Exception& exception) {
     set_error_text(exception.what());
+  } catch (const ORLO::ComError& error) {
+    set_error_text(ORLO::com_error_text(error));
   } catch (const std::bad_alloc&) {
     set_error_text(ORLO::SDKException(kOutOfMemory).what());
   }
+  whole_ = true;
 }
 
+/// The order is the precedence of the rows: a later one with the same key replaces an earlier.
 void UninstallReader::pass() {
-  std::set<RowKey> unseen;
-  {
-    const Lock hold(data_lock_);
-    for (const auto& [key, row] : table_.rows)
-      unseen.insert(unseen.end(), key);
+  using Step = void (UninstallReader::*)(Unseen & unseen);
+  static constexpr Step kSteps[] = {
+      &UninstallReader::read_local,
+      &UninstallReader::read_local64,
+      &UninstallReader::read_user,
+      &UninstallReader::erase_unseen,
+  };
+  Unseen unseen = rows_.keys();
+  for (const Step step : kSteps) {
+    if (stop_requested()) return;
+    (this->*step)(unseen);
   }
-  // The order is the precedence of the table: a later row with the same key replaces an earlier.
-  read_place(kLocalMachine, local_, false, unseen);
-  read_place(kLocalMachine, local64_, true, unseen);
-  read_place(kCurrentUser, user_, false, unseen);
-  erase_unseen(unseen);
+  whole_ = true;
 }
 
-void UninstallReader::read_place(int32_t root, Place& place, bool is64BitView,
-                                 std::set<RowKey>& unseen) {
+void UninstallReader::read_local(Unseen& unseen) {
+  read_place(kLocalMachine, local_, false, unseen);
+}
+
+void UninstallReader::read_local64(Unseen& unseen) {
+  read_place(kLocalMachine, local64_, true, unseen);
+}
+
+void UninstallReader::read_user(Unseen& unseen) {
+  read_place(kCurrentUser, user_, false, unseen);
+}
+
+/// Before the sources without keys of their own: their rows of the last pass go each time.
+void UninstallReader::erase_unseen(Unseen& unseen) {
+  rows_.erase(unseen);
+}
+
+void UninstallReader::read_place(int32_t root, Place& place, bool is64BitView, Unseen& unseen) {
   if (!place.key) return;
-  source_.readUninstallKey(root, place.key, unseen, is64BitView,
-                           [this](const Row& row) { deliver(row); });
+  uninstall_.readUninstallKey(root, place.key, unseen, is64BitView, deliver_);
   // Behind the first read, so that what this pass brings isn't told once more.
   if (place.watcher != nullptr || !tell_change_) return;
   place.watcher = std::make_unique<RegWatcherThread>(place.key, place.change_event, tell_change_,
                                                      true, kWatchedChanges);
-}
-
-void UninstallReader::deliver(const Row& row) {
-  const Lock hold(data_lock_);
-  table_.addRow(row);
-  data_changed_ = true;
-}
-
-void UninstallReader::erase_unseen(const std::set<RowKey>& unseen) {
-  if (unseen.empty()) return;
-  const Lock hold(data_lock_);
-  for (const RowKey& key : unseen)
-    table_.erase(key);
-  data_changed_ = true;
 }

@@ -6,7 +6,7 @@
 #include <memory>
 #include <set>
 
-#include "inventory/package_schema.h"
+#include "inventory/reader_rows.h"
 #include "inventory/reg_watcher.h"
 #include "inventory/uninstall_source.h"
 #include "orlo/active_object.h"
@@ -42,12 +42,11 @@ class UninstallReader : public ORLO::ActiveFinisher {
   void accept_loss() noexcept;
   /// Gives a lost reader a new thread; its old one must have ended. The rows stay.
   void revive();
-  bool data_changed() const noexcept { return data_changed_; }
-  /// What distinguishes the reader's table from `current`, which becomes a copy of it. Null if
-  /// nothing has been written since the last call.
-  std::unique_ptr<Table> hand_over(Table& current);
-  /// Forgets all rows.
-  void clear();
+  /// True if the last pass left out sources, as the reader has been asked to stop: its rows are no
+  /// state of the machine.
+  bool cut_short() const noexcept { return stop_requested() && !whole_; }
+  /// What the passes have read.
+  ReaderRows& rows() noexcept { return rows_; }
   /// Text of the failure that ended the last pass; empty if none did.
   String error_text() const;
 
@@ -62,15 +61,19 @@ class UninstallReader : public ORLO::ActiveFinisher {
     std::unique_ptr<RegWatcherThread> watcher;  ///< made by the reader's thread
   };
 
+  using Unseen = std::set<RowKey>;
+
   void pass();
   /// A pass whose known failures end in error_text().
   void guarded_pass();
-  void read_place(int32_t root, Place& place, bool is64BitView, std::set<RowKey>& unseen);
-  void deliver(const Row& row);
-  void erase_unseen(const std::set<RowKey>& unseen);
+  void read_local(Unseen& unseen);
+  void read_local64(Unseen& unseen);
+  void read_user(Unseen& unseen);
+  void read_place(int32_t root, Place& place, bool is64BitView, Unseen& unseen);
+  void erase_unseen(Unseen& unseen);
   void set_error_text(const String& text);
 
-  void (*const apply_thread_language_)();
+  const Services services_;
   const TellChange tell_change_;
   Place local_;
   Place local64_;
@@ -79,13 +82,13 @@ class UninstallReader : public ORLO::ActiveFinisher {
   ORLO::Event done_event_;
   std::atomic<bool> running_{false};
   std::atomic<bool> lost_{false};
+  std::atomic<bool> whole_{false};  ///< the pass came to the end of its sources, or failed
+  ReaderRows rows_;
 
-  mutable ORLO::CriticalSection data_lock_;
-  // Guarded by data_lock_, but that the reader's thread, the only writer of table_ during a pass,
-  // reads it without.
-  Table table_;
-  std::atomic<bool> data_changed_{false};
-  String error_text_;
+  mutable ORLO::CriticalSection error_lock_;
+  String error_text_;  ///< guarded by error_lock_
 
-  UninstallSource source_;  ///< the reader's thread alone
+  // The reader's thread alone.
+  const RowSink deliver_;
+  UninstallSource uninstall_;
 };

@@ -81,7 +81,7 @@ void RefreshCycle::forget() {
   parts_.frame.forget_entries();
   parts_.history.forget();
   parts_.currentTable.clear_rows();
-  parts_.reader.clear();
+  parts_.reader.rows().clear();
 }
 
 /// A cycle and what it has to tell. False if it was abandoned.
@@ -112,11 +112,11 @@ bool RefreshCycle::run_locked() {
   reader.start_pass();
   parts_.view.clear_marks();
   parts_.history.begin_cycle();
-  while (reader.pass_running() || reader.data_changed()) {
+  while (reader.pass_running() || reader.rows().changed()) {
     // Each pass ends in a signal. One that comes late, after the next pass was asked for, only
     // makes for a round more.
-    if (!wait_for_pass()) return false;
-    if (const std::unique_ptr<Table> difference = reader.hand_over(parts_.currentTable)) {
+    if (!wait_for_pass() || reader.cut_short()) return false;
+    if (const std::unique_ptr<Table> difference = reader.rows().hand_over(parts_.currentTable)) {
       apply(*difference);
     }
   }

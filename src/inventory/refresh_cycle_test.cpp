@@ -169,9 +169,9 @@ class RefreshCycleTest : public testing::Test {
     reader_->start_pass();
     while (reader_->pass_running())
       std::this_thread::yield();
-    reader_->hand_over(history_.lastEntries);
+    reader_->rows().hand_over(history_.lastEntries);
     history_.loaded();
-    reader_->clear();
+    reader_->rows().clear();
   }
   using Marks = std::vector<int>;
 
@@ -301,7 +301,7 @@ TEST_F(RefreshCycleTest, EndOfAnEarlierPassIsNotTakenForThatOfTheNext) {
   start(hooked);
   reader_->start_pass();
   ASSERT_TRUE(ORLO::wait_for(reader_->done_event(), kLong));
-  EXPECT_FALSE(reader_->data_changed());
+  EXPECT_FALSE(reader_->rows().changed());
   // As if nobody had waited for it.
   reader_->done_event().set();
   held = true;
@@ -339,7 +339,7 @@ TEST_F(RefreshCycleTest, ForgettingDuringACycleIsFollowedByOneMore) {
   bool forgotten = false;
   // The rows are read, and forgotten before they are handed over.
   at_wait = [&] {
-    while (!reader_->data_changed() || reader_->pass_running())
+    while (!reader_->rows().changed() || reader_->pass_running())
       std::this_thread::yield();
     if (!std::exchange(forgotten, true)) {
       cycle_->requestAfresh();
@@ -751,7 +751,7 @@ TEST_F(RefreshCycleTest, ForgettingDuringAPassIsSafe) {
     registry_.create(kUser + kUninstall + std::to_string(i));
   start();
   at_wait = [this] {
-    reader_->clear();
+    reader_->rows().clear();
     current_.clear_rows();
     return 0;
   };

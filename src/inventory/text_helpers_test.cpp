@@ -167,6 +167,7 @@ class EmptyFiles : public Files {
   }
   std::optional<String> expand_environment(const char*, size_t) override { return std::nullopt; }
   std::optional<String> system_folder() override { return std::nullopt; }
+  std::optional<String> windows_folder() override { return std::nullopt; }
 
   size_t searches = 0;
   size_t longest = 0;

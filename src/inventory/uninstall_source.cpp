@@ -122,8 +122,7 @@ void UninstallSource::readUninstallKey(int32_t root, const RegistryKey& key,
     cell(row, Field::OK)
         .set_number(check_state(path, cell(row, Field::MSI).integer() != 0,
                                 cell(row, Field::noRemove).integer() != 0, facts.uninstall));
-    deliver(row);
-    unseenKeys.erase(packageSchema().key_of(row));
+    deliver_row(row, deliver, unseenKeys);
   }
 }
 
@@ -158,10 +157,7 @@ String UninstallSource::install_date(const Registry::KeyInfo& info, bool known) 
   } else {
     raw = values_.text("InstallDate");
   }
-  ORLO::FileTime local = 0;
-  if (date.empty() && known && clock_.to_local(info.last_write, local)) {
-    if (!ORLO::to_system_time(local, date.time)) date.clear();
-  }
+  if (date.empty() && known) date = local_date(info.last_write, clock_);
   return MergeDateText(raw, date, clock_);
 }
 
@@ -176,16 +172,9 @@ void UninstallSource::read_usage_cache(const String& name, Facts& facts, Row& ro
   const auto record = decode_usage_record(data, size, clock_);
   if (!record) return;
   if (record->size_kb) facts.size = *record->size_kb;
-  if (record->main_file && !icon_exists(facts.icon)) facts.icon = *record->main_file;
+  if (record->main_file && !icon_exists(facts.icon, files_)) facts.icon = *record->main_file;
   if (record->last_use) cell(row, Field::lastUseDate).text = *record->last_use;
   if (record->frequency) cell(row, Field::frequency).set_number(*record->frequency);
-}
-
-bool UninstallSource::icon_exists(const String& icon) {
-  if (icon.empty()) return false;
-  const IconSpec spec = SplitIconSpec(icon, files_);
-  const char* path = spec.path.c_str();
-  return files_.can_open(String(path, path + std::strcspn(path, ",")).c_str());
 }
 
 String UninstallSource::installer_path(const Facts& facts, const String& modify) {

@@ -2,23 +2,17 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <set>
 
-#include "inventory/package_schema.h"
+#include "inventory/source_rows.h"
 #include "inventory/value_set.h"
 #include "orlo/clock.h"
 #include "orlo/rstring_fwd.h"
-#include "platform/files.h"
-#include "platform/registry.h"
 
 /// Runs on the reader thread. Failures are silent: a missing key gives no row, a missing value an
 /// empty text, 0 or -1.
 class UninstallSource {
  public:
-  /// Takes each row while the source goes on; called on the source's thread.
-  using RowSink = std::function<void(const Row&)>;
-
   UninstallSource(Registry& registry, Files& files, const ORLO::Clock& clock);
 
   /// Delivers one row for each subkey of `key`, the opened Uninstall key of `root`
@@ -33,7 +27,6 @@ class UninstallSource {
   /// `known`: whether `info` could be read.
   String install_date(const Registry::KeyInfo& info, bool known) const;
   void read_usage_cache(const String& name, Facts& facts, Row& row);
-  bool icon_exists(const String& icon);
   String installer_path(const Facts& facts, const String& modify);
 
   Registry& registry_;

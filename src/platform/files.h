@@ -24,6 +24,8 @@ class Files {
   /// GetSystemDirectoryA into a buffer of 260 characters: no separator at the end; none if it fails
   /// or doesn't fit.
   virtual std::optional<String> system_folder() = 0;
+  /// GetWindowsDirectoryA, likewise.
+  virtual std::optional<String> windows_folder() = 0;
 };
 
 /// The files of this system.

@@ -187,9 +187,10 @@ TEST_P(FilesContract, ExpandsNoEndlessText) {
   }
 }
 
-TEST_P(FilesContract, KnowsTheSystemsFolder) {
-  const auto folder = bed().files().system_folder();
-  ASSERT_TRUE(folder);
-  ASSERT_FALSE(folder->empty());
-  EXPECT_NE(folder->c_str()[folder->length() - 1], '\\');
+TEST_P(FilesContract, KnowsTheSystemsFolders) {
+  for (const auto& folder : {bed().files().system_folder(), bed().files().windows_folder()}) {
+    ASSERT_TRUE(folder);
+    ASSERT_FALSE(folder->empty());
+    EXPECT_NE(folder->c_str()[folder->length() - 1], '\\');
+  }
 }

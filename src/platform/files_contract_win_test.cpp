@@ -100,6 +100,9 @@ TEST(SystemFiles, KnowsTheVariablesOfTheSystem) {
   const auto expanded = make_system_files()->expand_environment("%SystemRoot%", 1024);
   ASSERT_TRUE(expanded);
   EXPECT_EQ(lstrcmpiA(expanded->c_str(), windows), 0);
+  const auto folder = make_system_files()->windows_folder();
+  ASSERT_TRUE(folder);
+  EXPECT_STREQ(folder->c_str(), windows);
 }
 
 TEST(SystemFiles, NamesTheFolderThatHoldsTheSystemsPrograms) {

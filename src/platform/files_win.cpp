@@ -52,9 +52,14 @@ class SystemFiles final : public Files {
     return result;
   }
 
-  std::optional<String> system_folder() override {
+  std::optional<String> system_folder() override { return folder(&GetSystemDirectoryA); }
+
+  std::optional<String> windows_folder() override { return folder(&GetWindowsDirectoryA); }
+
+ private:
+  static std::optional<String> folder(UINT(WINAPI* get)(LPSTR, UINT)) {
     char path[MAX_PATH] = "";
-    const UINT length = GetSystemDirectoryA(path, MAX_PATH);
+    const UINT length = get(path, MAX_PATH);
     if (length == 0 || length >= MAX_PATH) return std::nullopt;
     return String(path);
   }

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include "platform/system_version.h"
+
 namespace {
 
 using SetThreadUILanguageFn = LANGID(WINAPI*)(LANGID);
@@ -17,16 +19,11 @@ Function kernel_function(const char* name) {
   return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(kernel, name)));
 }
 
-bool newer_than_nt5() {
-  OSVERSIONINFOA version = {};
-  version.dwOSVersionInfoSize = sizeof version;
-  return GetVersionExA(&version) != FALSE && version.dwPlatformId == VER_PLATFORM_WIN32_NT &&
-         version.dwMajorVersion >= 6;
-}
-
 SetThreadUILanguageFn find_set_thread_ui_language() {
   // Before version 6 the function exists but means something else.
-  return newer_than_nt5() ? kernel_function<SetThreadUILanguageFn>("SetThreadUILanguage") : nullptr;
+  return system_version().at_least_nt6()
+             ? kernel_function<SetThreadUILanguageFn>("SetThreadUILanguage")
+             : nullptr;
 }
 
 }  // namespace

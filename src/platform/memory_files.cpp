@@ -150,8 +150,16 @@ std::optional<String> MemoryFiles::expand_environment(const char* text, size_t l
 }
 
 std::optional<String> MemoryFiles::system_folder() {
-  if (!enter("system_folder", "") || system_folder_.size() >= kPathBuffer) return std::nullopt;
-  return String(system_folder_);
+  return folder("system_folder", system_folder_);
+}
+
+std::optional<String> MemoryFiles::windows_folder() {
+  return folder("windows_folder", windows_folder_);
+}
+
+std::optional<String> MemoryFiles::folder(const char* operation, const std::string& path) {
+  if (!enter(operation, "") || path.size() >= kPathBuffer) return std::nullopt;
+  return String(path);
 }
 
 /// Logs a call; false if it has to fail.

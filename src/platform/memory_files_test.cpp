@@ -73,3 +73,15 @@ TEST(MemoryFiles, HasTheSystemFolderThatItIsTold) {
   files.fail("system_folder");
   EXPECT_FALSE(files.system_folder());
 }
+
+TEST(MemoryFiles, HasTheWindowsFolderThatItIsTold) {
+  MemoryFiles files;
+  EXPECT_STREQ(files.windows_folder()->c_str(), "C:\\Windows");
+  files.set_windows_folder("D:\\Win");
+  EXPECT_STREQ(files.windows_folder()->c_str(), "D:\\Win");
+  files.set_windows_folder(std::string(260, 'x'));
+  EXPECT_FALSE(files.windows_folder());
+  files.set_windows_folder(std::string(259, 'x'));
+  files.fail("windows_folder");
+  EXPECT_FALSE(files.windows_folder());
+}

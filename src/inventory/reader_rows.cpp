@@ -1,0 +1,106 @@
+#include "inventory/reader_rows.h"
+
+using ORLO::Lock;
+
+namespace {
+
+String lower_case(const String& text) {
+  String lower = text;
+  char* const letters = lower.writable();
+  for (size_t i = 0; i < lower.length(); ++i) {
+    if (letters[i] >= 'A' && letters[i] <= 'Z') letters[i] = static_cast<char>(letters[i] + 32);
+  }
+  return lower;
+}
+
+const String& name_of(const Row& row) {
+  return cell(row, PackageColumn::name).text;
+}
+
+}  // namespace
+
+bool ReaderRows::NameOrder::operator()(const NamedKey& a, const NamedKey& b) const noexcept {
+  const int order = compare_bytes(a.first, b.first);
+  return order != 0 ? order < 0 : a.second < b.second;
+}
+
+ReaderRows::ReaderRows() : table_(packageSchema()) {}
+
+void ReaderRows::add(const Row& row) {
+  const Lock hold(lock_);
+  set_row(table_.key_of(row), row);
+}
+
+void ReaderRows::set_row(const RowKey& key, const Row& row) {
+  const auto stored = table_.rows.find(key);
+  const bool is_new = stored == table_.rows.end();
+  if (is_new || compare_bytes(name_of(stored->second), name_of(row)) != 0) {
+    if (!is_new) names_.erase({lower_case(name_of(stored->second)), key});
+    names_.insert({lower_case(name_of(row)), key});
+  }
+  table_.addRow(row);
+  changed_ = true;
+}
+
+Table::Rows::const_iterator ReaderRows::find_row(const String& name) const {
+  const String lower = lower_case(name);
+  const auto named = names_.lower_bound({lower, RowKey()});
+  if (named == names_.end() || compare_bytes(named->first, lower) != 0) return table_.rows.end();
+  return table_.rows.find(named->second);
+}
+
+std::optional<Row> ReaderRows::find(const String& name) const {
+  const Lock hold(lock_);
+  const auto row = find_row(name);
+  if (row == table_.rows.end()) return std::nullopt;
+  return row->second;
+}
+
+bool ReaderRows::has(const String& name) const {
+  const Lock hold(lock_);
+  return find_row(name) != table_.rows.end();
+}
+
+bool ReaderRows::put_back(const Row& row) {
+  const Lock hold(lock_);
+  const RowKey key = table_.key_of(row);
+  const auto stored = table_.rows.find(key);
+  if (stored == table_.rows.end()) return false;
+  if (compare_bytes(name_of(stored->second), name_of(row)) != 0) return false;
+  set_row(key, row);
+  return true;
+}
+
+std::set<RowKey> ReaderRows::keys() const {
+  const Lock hold(lock_);
+  std::set<RowKey> keys;
+  for (const auto& [key, row] : table_.rows)
+    keys.insert(keys.end(), key);
+  return keys;
+}
+
+void ReaderRows::erase(const std::set<RowKey>& keys) {
+  if (keys.empty()) return;
+  const Lock hold(lock_);
+  for (const RowKey& key : keys) {
+    const auto row = table_.rows.find(key);
+    if (row == table_.rows.end()) continue;
+    names_.erase({lower_case(name_of(row->second)), key});
+    table_.erase(key);
+  }
+  changed_ = true;
+}
+
+void ReaderRows::clear() {
+  const Lock hold(lock_);
+  names_.clear();
+  table_.clear_rows();
+}
+
+std::unique_ptr<Table> ReaderRows::hand_over(Table& current) {
+  const Lock hold(lock_);
+  if (!changed_.exchange(false)) return nullptr;
+  auto difference = std::make_unique<Table>(table_, current);
+  if (difference->size() != 0) current.assign(table_);
+  return difference;
+}

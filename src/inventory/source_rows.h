@@ -1,0 +1,25 @@
+// What the sources of the inventory have in common.
+#pragma once
+
+#include <functional>
+#include <set>
+
+#include "inventory/package_schema.h"
+#include "orlo/datetime.h"
+#include "platform/files.h"
+#include "platform/registry.h"
+
+/// Takes each row while the source goes on; called on the source's thread.
+using RowSink = std::function<void(const Row&)>;
+
+/// Hands the row over and erases its key from `unseenKeys`.
+void deliver_row(const Row& row, const RowSink& deliver, std::set<RowKey>& unseenKeys);
+
+/// A row of empty cells but for the source and a size that isn't known.
+Row make_source_row(const String& source);
+
+/// Whether the file that an icon specification names can be opened; its index plays no part.
+bool icon_exists(const String& icon, Files& files);
+
+/// A file time as a local date; the empty date if it can't be converted.
+DateTime local_date(ORLO::FileTime time, const ORLO::Clock& clock);

@@ -1,0 +1,42 @@
+// The seam to Windows Installer: what it knows of its products.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+#include "orlo/rstring.h"
+
+/// A system error code; 0 is success.
+using InstallerStatus = uint32_t;
+
+inline constexpr InstallerStatus kInstallerSuccess = 0;
+inline constexpr InstallerStatus kInstallerNoMoreItems = 259;
+inline constexpr InstallerStatus kInstallerBadConfiguration = 1610;
+
+/// MsiSetInternalUI's level without any user interface.
+inline constexpr uint32_t kInstallerUiNone = 2;
+
+/// Room for a product code or a feature's name, NUL included.
+inline constexpr size_t kInstallerNameRoom = 39;
+using InstallerName = char[kInstallerNameRoom];
+
+class Installer {
+ public:
+  virtual ~Installer() = default;
+  /// MsiSetInternalUI: `owner` is the address of a window's handle (HWND), into which the system
+  /// writes the former owner's. It must live until the next call.
+  virtual void set_internal_ui(uint32_t level, void** owner) = 0;
+  /// MsiEnumProductsA. On failure `code` is left as it was. A failure that comes the hundredth time
+  /// in a row is told as kInstallerNoMoreItems: damaged machines answer the same one for ever.
+  virtual InstallerStatus product_at(uint32_t index, InstallerName& code) = 0;
+  /// MsiEnumFeaturesA. Both names are empty where the system writes none.
+  virtual InstallerStatus feature_at(const char* product, uint32_t index, InstallerName& feature,
+                                     InstallerName& parent) = 0;
+  /// MsiGetProductInfoA into a buffer of 1,024 characters, the terminator counted; none on failure
+  /// and where the value doesn't fit.
+  virtual std::optional<String> product_info(const char* product, const char* property) = 0;
+};
+
+/// The installer of this system; one without products where there is none.
+std::unique_ptr<Installer> make_system_installer();

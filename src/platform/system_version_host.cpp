@@ -1,0 +1,5 @@
+#include "platform/system_version.h"
+
+SystemVersion system_version() noexcept {
+  return {};
+}
