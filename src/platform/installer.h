@@ -1,6 +1,7 @@
 // The seam to Windows Installer: what it knows of its products.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -11,7 +12,9 @@
 using InstallerStatus = uint32_t;
 
 inline constexpr InstallerStatus kInstallerSuccess = 0;
+inline constexpr InstallerStatus kInstallerMoreData = 234;
 inline constexpr InstallerStatus kInstallerNoMoreItems = 259;
+inline constexpr InstallerStatus kInstallerUnknownProduct = 1605;
 inline constexpr InstallerStatus kInstallerBadConfiguration = 1610;
 
 /// MsiSetInternalUI's level without any user interface.
@@ -20,6 +23,8 @@ inline constexpr uint32_t kInstallerUiNone = 2;
 /// Room for a product code or a feature's name, NUL included.
 inline constexpr size_t kInstallerNameRoom = 39;
 using InstallerName = char[kInstallerNameRoom];
+/// Room for a property's value, likewise.
+inline constexpr size_t kInstallerValueRoom = 1024;
 
 class Installer {
  public:
@@ -28,13 +33,13 @@ class Installer {
   /// writes the former owner's. It must live until the next call.
   virtual void set_internal_ui(uint32_t level, void** owner) = 0;
   /// MsiEnumProductsA. On failure `code` is left as it was. A failure that comes the hundredth time
-  /// in a row is told as kInstallerNoMoreItems: damaged machines answer the same one for ever.
+  /// in a row is told as kInstallerNoMoreItems (see EnumerationEnd).
   virtual InstallerStatus product_at(uint32_t index, InstallerName& code) = 0;
   /// MsiEnumFeaturesA. Both names are empty where the system writes none.
   virtual InstallerStatus feature_at(const char* product, uint32_t index, InstallerName& feature,
                                      InstallerName& parent) = 0;
-  /// MsiGetProductInfoA into a buffer of 1,024 characters, the terminator counted; none on failure
-  /// and where the value doesn't fit.
+  /// MsiGetProductInfoA into a buffer of kInstallerValueRoom characters; none on failure and where
+  /// the value doesn't fit.
   virtual std::optional<String> product_info(const char* product, const char* property) = 0;
 };
 

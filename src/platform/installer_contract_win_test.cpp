@@ -1,0 +1,153 @@
+// The contract of installer_contract_test.cpp on the system's own installer, and what the adapter
+// makes of answers that a sound system doesn't give.
+#include <windows.h>
+
+#include <msi.h>
+
+#include <cstring>
+#include <stdexcept>
+#include <vector>
+
+#include "orlo/owned_handle.h"
+#include "platform/installer_test_support.h"
+#include "platform/installer_win_test_support.h"
+#include "platform/system_installer.h"
+
+namespace {
+
+class SystemInstallerBed final : public InstallerBed {
+ public:
+  SystemInstallerBed() : installer_(make_system_installer()) {}
+  ~SystemInstallerBed() override {
+    // The next one begins without an owner.
+    void* none = nullptr;
+    installer_->set_internal_ui(kInstallerUiNone, &none);
+  }
+
+  Installer& installer() override { return *installer_; }
+  void install(const MemoryInstaller::Product& product) override { seed_.install(product); }
+  const char* silent_about_parents() const override {
+    return runs_on_wine() ? "Wine tells of no feature which one it is part of" : nullptr;
+  }
+
+ private:
+  static bool runs_on_wine() {
+    return GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") != nullptr;
+  }
+
+  const std::unique_ptr<Installer> installer_;
+  InstallerSeed seed_;
+};
+
+// Answers of a damaged system.
+UINT WINAPI bad_configuration(DWORD, LPSTR code) {
+  std::memcpy(code, "junk", 5);
+  return ERROR_BAD_CONFIGURATION;
+}
+UINT WINAPI endless_code(DWORD, LPSTR code) {
+  std::memset(code, 'x', kInstallerNameRoom);
+  return ERROR_SUCCESS;
+}
+UINT WINAPI endless_feature(LPCSTR, DWORD, LPSTR feature, LPSTR parent) {
+  std::memset(feature, 'f', kInstallerNameRoom);
+  std::memset(parent, 'p', kInstallerNameRoom);
+  return ERROR_SUCCESS;
+}
+UINT WINAPI silent_feature(LPCSTR, DWORD, LPSTR, LPSTR) {
+  return ERROR_SUCCESS;
+}
+UINT WINAPI endless_value(LPCSTR, LPCSTR, LPSTR value, DWORD* length) {
+  std::memset(value, 'v', *length);
+  return ERROR_SUCCESS;
+}
+UINT WINAPI silent_value(LPCSTR, LPCSTR, LPSTR, DWORD*) {
+  return ERROR_SUCCESS;
+}
+
+/// A module with the functions that a test gives it.
+class FakeFunctions final : public ORLO::ModuleFunctions {
+ public:
+  template <typename Type>
+  void set(const std::string& name, Type* function) {
+    functions_[name] = reinterpret_cast<Function>(function);
+  }
+  const std::vector<std::string>& asked() const { return asked_; }
+
+  Function find(const char* module, const char* name) override {
+    asked_.push_back(module + (std::string(" ") + name));
+    const auto found = functions_.find(name);
+    return found != functions_.end() ? found->second : nullptr;
+  }
+
+ private:
+  std::map<std::string, Function> functions_;
+  std::vector<std::string> asked_;
+};
+
+class OddInstaller : public testing::Test {
+ protected:
+  FakeFunctions functions_;
+  const std::unique_ptr<Installer> installer_ = make_installer(functions_);
+  InstallerName name_ = "kept";
+  InstallerName parent_ = "kept";
+};
+
+TEST_F(OddInstaller, IsLookedUpWithTheFirstCallAndOnlyOnce) {
+  EXPECT_TRUE(functions_.asked().empty());
+  installer_->product_at(0, name_);
+  const std::vector<std::string> asked = functions_.asked();
+  EXPECT_EQ(asked,
+            (std::vector<std::string>{"msi.dll MsiSetInternalUI", "msi.dll MsiEnumProductsA",
+                                      "msi.dll MsiEnumFeaturesA", "msi.dll MsiGetProductInfoA"}));
+  installer_->product_at(0, name_);
+  installer_->product_info("p", "ProductName");
+  EXPECT_EQ(functions_.asked(), asked);
+}
+
+TEST_F(OddInstaller, HasNothingWithoutTheModule) {
+  void* owner = this;
+  installer_->set_internal_ui(kInstallerUiNone, &owner);
+  EXPECT_EQ(owner, this);
+  EXPECT_EQ(installer_->product_at(0, name_), kInstallerNoMoreItems);
+  EXPECT_STREQ(name_, "kept");
+  EXPECT_EQ(installer_->feature_at("p", 0, name_, parent_), kInstallerNoMoreItems);
+  EXPECT_STREQ(name_, "");
+  EXPECT_STREQ(parent_, "");
+  EXPECT_FALSE(installer_->product_info("p", "ProductName").has_value());
+}
+
+TEST_F(OddInstaller, EndsAnEnumerationThatOnlyFails) {
+  functions_.set("MsiEnumProductsA", &bad_configuration);
+  for (uint32_t index = 0; index < 99; ++index)
+    ASSERT_EQ(installer_->product_at(index, name_), kInstallerBadConfiguration) << index;
+  EXPECT_EQ(installer_->product_at(99, name_), kInstallerNoMoreItems);
+  EXPECT_STREQ(name_, "kept");
+}
+
+TEST_F(OddInstaller, EndsNamesThatHaveNoEnd) {
+  functions_.set("MsiEnumProductsA", &endless_code);
+  functions_.set("MsiEnumFeaturesA", &endless_feature);
+  functions_.set("MsiGetProductInfoA", &endless_value);
+  EXPECT_EQ(installer_->product_at(0, name_), kInstallerSuccess);
+  EXPECT_EQ(name_, std::string(38, 'x'));
+  EXPECT_EQ(installer_->feature_at("p", 0, name_, parent_), kInstallerSuccess);
+  EXPECT_EQ(name_, std::string(38, 'f'));
+  EXPECT_EQ(parent_, std::string(38, 'p'));
+  EXPECT_EQ(installer_->product_info("p", "ProductName").value_or("-").length(), 1023u);
+}
+
+TEST_F(OddInstaller, GivesNothingWhereTheSystemWritesNothing) {
+  functions_.set("MsiEnumFeaturesA", &silent_feature);
+  functions_.set("MsiGetProductInfoA", &silent_value);
+  EXPECT_EQ(installer_->feature_at("p", 0, name_, parent_), kInstallerSuccess);
+  EXPECT_STREQ(name_, "");
+  EXPECT_STREQ(parent_, "");
+  EXPECT_STREQ(installer_->product_info("p", "ProductName").value_or("-").c_str(), "");
+}
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(System, InstallerContract,
+                         ::testing::Values(InstallerBedMaker{
+                             "Own", [] { return std::make_unique<SystemInstallerBed>(); }}),
+                         [](const auto& test) { return std::string(test.param.name); });
