@@ -2,6 +2,7 @@
 #pragma once
 
 #include <set>
+#include <vector>
 
 #include "inventory/source_rows.h"
 #include "inventory/value_set.h"
@@ -19,7 +20,17 @@ class UpdatesRegistrySource {
                           std::set<RowKey>& unseenKeys, const RowSink& deliver);
 
  private:
+  struct Receiver;
+  struct Level;
+
+  int read_below(const Level& level, const Receiver& receiver);
+  int read_subkey(const Level& level, const String& name, const Receiver& receiver);
+  /// Whether `values_` tell of an update that is installed.
+  bool deliver_update(const Level& level, const String& name, const Receiver& receiver);
+  DateTime write_time(const RegistryKey& key, Registry::KeyInfo& info, bool& known) const;
+
   Registry& registry_;
   const ORLO::Clock& clock_;
   ValueSet values_;
+  std::vector<char> name_;  ///< of the subkey in hand; one buffer for all levels
 };
