@@ -39,6 +39,7 @@ mkdir -p "$results"
 load=$(cut -d ' ' -f 1 /proc/loadavg)
 run_host
 run_wine registry_pass
+run_wine product_source
 run_wine calm_cycle
 run_wine line_read
 run_wine list_model

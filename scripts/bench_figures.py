@@ -42,6 +42,7 @@ HOST = (
 TARGET = (
     ("registry pass, 2,000 subkeys", "registry_pass", "floor: values enumerated", 1.2),
     ("registry pass, 2,000 subkeys", "registry_pass", "naive: one query per value name", None),
+    ("product source, 500 products", "product_source", "floor: bare calls", 1.2),
     ("cycle without a change, 5,000 subkeys", "calm_cycle", "registry pass alone", 1.1),
     ("lines of 50 MB", "line_read", "floor: the same blocks", 1.2),
     ("list filling, 2,000 entries", "list_fill", "floor: bare list view, frozen", 2.0),

@@ -27,7 +27,8 @@ class SystemInstallerBed final : public InstallerBed {
   Installer& installer() override { return *installer_; }
   void install(const MemoryInstaller::Product& product) override { seed_.install(product); }
   const char* silent_about_parents() const override {
-    return runs_on_wine() ? "Wine tells of no feature which one it is part of" : nullptr;
+    return runs_on_wine() ? "Wine gives whatever bytes for the feature that another is part of"
+                          : nullptr;
   }
 
  private:

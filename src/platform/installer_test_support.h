@@ -17,7 +17,7 @@ class InstallerBed {
   /// Installs a product, whose code begins with kOwnCode; it goes with the bed. There may be others
   /// besides.
   virtual void install(const MemoryInstaller::Product& product) = 0;
-  /// Why this installer doesn't tell which feature another is part of; null if it does.
+  /// Why what this installer gives as a feature's parent means nothing; null if it does.
   virtual const char* silent_about_parents() const { return nullptr; }
 };
 
