@@ -42,6 +42,7 @@ run_wine registry_pass
 run_wine product_source
 run_wine calm_cycle
 run_wine line_read
+run_wine update_log
 run_wine list_model
 run_wine list_paint
 run_wine icon_pass

@@ -28,8 +28,8 @@ constexpr size_t kMostUnits = 1023;
 constexpr size_t kMostBytesOfUnit = 3;
 constexpr size_t kFirstLine = 1024;
 
-/// Where the phrase stands first. Looks at one character in twenty: a search for the phrase's first
-/// character would look at each.
+/// Where the phrase stands first. Looks at few of the line's characters: a search for the phrase's
+/// first one would look at each.
 size_t find_success(std::string_view line) {
   static const std::boyer_moore_horspool_searcher search(kSuccess.begin(), kSuccess.end());
   const auto* const found = std::search(line.begin(), line.end(), search);
