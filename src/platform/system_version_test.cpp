@@ -1,0 +1,24 @@
+#include "platform/system_version.h"
+
+#include <gtest/gtest.h>
+
+TEST(SystemVersion, IsAtLeast6ForTheLineOfWindowsNtAlone) {
+  const struct {
+    SystemVersion version;
+    bool expected;
+  } cases[] = {
+      {{2, 5}, false}, {{2, 6}, true},  {{2, 10}, true}, {{2, 0}, false},
+      {{1, 6}, false}, {{3, 6}, false}, {{0, 6}, false}, {{}, false},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::to_string(c.version.platform) + "/" + std::to_string(c.version.major));
+    EXPECT_EQ(c.version.at_least_nt6(), c.expected);
+  }
+}
+
+TEST(SystemVersion, StaysTheSame) {
+  const SystemVersion first = system_version();
+  const SystemVersion second = system_version();
+  EXPECT_EQ(first.platform, second.platform);
+  EXPECT_EQ(first.major, second.major);
+}
