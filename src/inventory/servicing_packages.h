@@ -16,6 +16,8 @@ class ServicingPackagesSource {
   bool ReadServicingPackages(std::set<RowKey>& unseenKeys, const RowSink& deliver);
 
  private:
+  void read_package(const RegistryKey& package, const char* name, Row& row);
+
   Registry& registry_;
   const ORLO::Clock& clock_;
   SidNameCache sid_names_;
