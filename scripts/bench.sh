@@ -41,6 +41,7 @@ run_host
 run_wine registry_pass
 run_wine product_source
 run_wine calm_cycle
+run_wine servicing_source
 run_wine line_read
 run_wine update_log
 run_wine list_model
