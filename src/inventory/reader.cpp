@@ -3,6 +3,8 @@
 #include <new>
 #include <utility>
 
+#include "inventory/update_log.h"
+#include "inventory/wmi_hotfixes.h"
 #include "orlo/com_error.h"
 #include "orlo/exception.h"
 
@@ -33,12 +35,15 @@ class PassEnd {
 
 }  // namespace
 
-UninstallReader::UninstallReader(const Services& services, TellChange tell_change)
+UninstallReader::UninstallReader(const Services& services, TellChange tell_change, void* window)
     : ActiveFinisher("UninstallReader"),
       services_(services),
       tell_change_(std::move(tell_change)),
       deliver_([this](const Row& row) { rows_.add(row); }),
-      uninstall_(services.registry, services.files, services.clock) {
+      uninstall_(services.registry, services.files, services.clock),
+      installer_(services.registry, {services.installer, services.files, services.clock}, window),
+      updates_(services.registry, services.clock),
+      servicing_(services.registry, services.accounts, services.clock) {
   Registry& registry = services.registry;
   registry.open(kLocalMachine, kUninstallPath, kKeyRead, local_.key);
   if (services.under_wow64) {
@@ -117,10 +122,11 @@ void UninstallReader::guarded_pass() {
 void UninstallReader::pass() {
   using Step = void (UninstallReader::*)(Unseen & unseen);
   static constexpr Step kSteps[] = {
-      &UninstallReader::read_local,
-      &UninstallReader::read_local64,
-      &UninstallReader::read_user,
-      &UninstallReader::erase_unseen,
+      &UninstallReader::read_local,        &UninstallReader::read_local64,
+      &UninstallReader::read_user,         &UninstallReader::erase_unseen,
+      &UninstallReader::read_products,     &UninstallReader::read_updates_registry,
+      &UninstallReader::read_update_log,   &UninstallReader::read_servicing_packages,
+      &UninstallReader::read_wmi_hotfixes,
   };
   Unseen unseen = rows_.keys();
   for (const Step step : kSteps) {
@@ -147,6 +153,10 @@ void UninstallReader::erase_unseen(Unseen& unseen) {
   rows_.erase(unseen);
 }
 
+void UninstallReader::read_products(Unseen& unseen) {
+  installer_.ReadMsiProducts(rows_, unseen, deliver_);
+}
+
 void UninstallReader::read_place(int32_t root, Place& place, bool is64BitView, Unseen& unseen) {
   if (!place.key) return;
   uninstall_.readUninstallKey(root, place.key, unseen, is64BitView, deliver_);
@@ -154,4 +164,27 @@ void UninstallReader::read_place(int32_t root, Place& place, bool is64BitView, U
   if (place.watcher != nullptr || !tell_change_) return;
   place.watcher = std::make_unique<RegWatcherThread>(place.key, place.change_event, tell_change_,
                                                      true, kWatchedChanges);
+}
+
+void UninstallReader::read_updates_registry(Unseen& unseen) {
+  RegistryKey key;
+  if (services_.registry.open(kLocalMachine, kUpdatesPath, kKeyRead, key) != kRegSuccess) return;
+  updates_.ReadUpdatesRegistry(key, String(), unseen, deliver_);
+}
+
+void UninstallReader::read_update_log(Unseen& unseen) {
+  const auto folder = services_.files.windows_folder();
+  if (!folder) return;
+  ReadUpdateLog(String::formatted("%s\\WindowsUpdate.log", *folder), services_.clock, unseen,
+                deliver_);
+}
+
+void UninstallReader::read_servicing_packages(Unseen& unseen) {
+  if (!services_.version.at_least_nt6()) return;
+  servicing_.ReadServicingPackages(unseen, deliver_);
+}
+
+void UninstallReader::read_wmi_hotfixes(Unseen& unseen) {
+  if (!services_.version.at_least_nt6()) return;
+  ReadWmiHotfixes(services_.wmi, services_.clock, rows_, unseen, deliver_);
 }

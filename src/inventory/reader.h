@@ -6,10 +6,17 @@
 #include <memory>
 #include <set>
 
+#include "inventory/installer_source.h"
 #include "inventory/reader_rows.h"
 #include "inventory/reg_watcher.h"
+#include "inventory/servicing_packages.h"
 #include "inventory/uninstall_source.h"
+#include "inventory/updates_registry.h"
 #include "orlo/active_object.h"
+#include "platform/accounts.h"
+#include "platform/installer.h"
+#include "platform/system_version.h"
+#include "platform/wmi.h"
 
 /// Idle until a pass is asked for. All public operations are the main thread's.
 class UninstallReader : public ORLO::ActiveFinisher {
@@ -19,6 +26,10 @@ class UninstallReader : public ORLO::ActiveFinisher {
     Registry& registry;
     Files& files;
     const ORLO::Clock& clock;
+    Installer& installer;
+    Wmi& wmi;
+    Accounts& accounts;
+    SystemVersion version;
     bool under_wow64;                 ///< there is a 64-bit view beside the process's own
     void (*apply_thread_language)();  ///< called first on the thread
   };
@@ -26,8 +37,10 @@ class UninstallReader : public ORLO::ActiveFinisher {
   using TellChange = std::function<void()>;
 
   /// Opens the Uninstall keys; one that can't be opened is left out for the whole run. From its
-  /// first pass on each is watched, if there is somebody to tell.
-  explicit UninstallReader(const Services& services, TellChange tell_change = {});
+  /// first pass on each is watched, if there is somebody to tell. `window`: the main window's
+  /// handle (HWND), which owns what the installer might show.
+  explicit UninstallReader(const Services& services, TellChange tell_change = {},
+                           void* window = nullptr);
   ~UninstallReader() override;
 
   /// Asks for a pass; starts the thread the first time. The reader must not be lost.
@@ -71,6 +84,11 @@ class UninstallReader : public ORLO::ActiveFinisher {
   void read_user(Unseen& unseen);
   void read_place(int32_t root, Place& place, bool is64BitView, Unseen& unseen);
   void erase_unseen(Unseen& unseen);
+  void read_products(Unseen& unseen);
+  void read_updates_registry(Unseen& unseen);
+  void read_update_log(Unseen& unseen);
+  void read_servicing_packages(Unseen& unseen);
+  void read_wmi_hotfixes(Unseen& unseen);
   void set_error_text(const String& text);
 
   const Services services_;
@@ -91,4 +109,7 @@ class UninstallReader : public ORLO::ActiveFinisher {
   // The reader's thread alone.
   const RowSink deliver_;
   UninstallSource uninstall_;
+  InstallerSource installer_;
+  UpdatesRegistrySource updates_;
+  ServicingPackagesSource servicing_;
 };

@@ -13,10 +13,10 @@
 #include <vector>
 
 #include "inventory/hooked_registry_test_support.h"
+#include "inventory/reader_test_support.h"
 #include "inventory/uninstall_test_support.h"
 #include "orlo/exception.h"
 #include "orlo/report.h"
-#include "platform/memory_files.h"
 #include "platform/memory_registry.h"
 
 namespace {
@@ -126,9 +126,8 @@ class RefreshCycleTest : public testing::Test {
   void start(bool under_wow64 = true) { start(registry_, under_wow64); }
   void start(Registry& registry, bool under_wow64 = true,
              UninstallReader::TellChange tell_change = {}) {
-    reader_ = std::make_unique<UninstallReader>(
-        UninstallReader::Services{registry, files_, ORLO::system_clock(), under_wow64, [] {}},
-        std::move(tell_change));
+    reader_ = std::make_unique<UninstallReader>(system_.over(registry, under_wow64),
+                                                std::move(tell_change));
     cycle_ =
         std::make_unique<RefreshCycle>(RefreshCycle::Parts{*reader_, current_, history_, list_lock_,
                                                            view_, frame_, ORLO::system_clock()},
@@ -157,7 +156,7 @@ class RefreshCycleTest : public testing::Test {
   using Log = std::vector<std::string>;
   static inline const Log kCalmCycle = {"begin wait", "counts", "end wait", "refreshed"};
   MemoryRegistry registry_;
-  MemoryFiles files_;
+  MemorySystem system_;
   /// As run(); what the applied entries are marked with.
   std::vector<int> run_marks() {
     view_.marks.clear();
@@ -735,9 +734,9 @@ TEST_F(RefreshCycleTest, QuitDuringThatReportAbandonsTheCycle) {
 
 TEST_F(RefreshCycleTest, ThreadThatFailsBeforeItsFirstPassEndsTheWait) {
   CollectedReports reports;
-  reader_ = std::make_unique<UninstallReader>(
-      UninstallReader::Services{registry_, files_, ORLO::system_clock(), true,
-                                [] { throw ORLO::UserException("no language"); }});
+  UninstallReader::Services services = system_.over(registry_);
+  services.apply_thread_language = [] { throw ORLO::UserException("no language"); };
+  reader_ = std::make_unique<UninstallReader>(services);
   cycle_ = std::make_unique<RefreshCycle>(RefreshCycle::Parts{
       *reader_, current_, history_, list_lock_, view_, frame_, ORLO::system_clock()});
   run();
@@ -1004,6 +1003,23 @@ TEST_F(RefreshCycleTest, CycleThatRunsWhenTheEndComesKeepsItsBaseline) {
   view_.at_clear = [this] { cycle_->end(); };
   run();
   EXPECT_EQ(frame_.histories, 1);
+}
+
+TEST_F(RefreshCycleTest, PassThatIsCutShortBringsNothingAndMovesNoBaseline) {
+  registry_.create(kUser + kUninstall + "a");
+  int subkeys = 0;
+  HookedRegistry hooked(registry_, [&](const std::string& operation, uint32_t) {
+    if (operation == "subkey_at" && ++subkeys == 1) {
+      cycle_->end();
+      reader_->stop(ORLO::ActiveObject::WaitMode::none);
+    }
+  });
+  start(hooked);
+  EXPECT_EQ(run(), Log{"clear marks"});
+  EXPECT_EQ(frame_.log, (Log{"begin wait", "end wait"}));
+  EXPECT_EQ(frame_.histories, 0);
+  EXPECT_EQ(current_.size(), 0u);
+  reader_.reset();
 }
 
 TEST_F(RefreshCycleTest, AbandonedCycleMovesNoBaseline) {

@@ -6,6 +6,10 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR command_line, int) {
   const auto files = make_system_files();
   const auto shell = make_system_shell();
   const auto icons = make_system_icon_extractor();
-  return run_program(instance, command_line,
-                     {*registry, *files, ORLO::system_clock(), *shell, *icons});
+  const auto installer = make_system_installer();
+  const auto wmi = make_system_wmi();
+  const auto accounts = make_system_accounts();
+  return run_program(
+      instance, command_line,
+      {*registry, *files, ORLO::system_clock(), *shell, *icons, *installer, *wmi, *accounts});
 }

@@ -3,10 +3,13 @@
 
 #include "orlo/clock.h"
 #include "orlo/orlowin.h"
+#include "platform/accounts.h"
 #include "platform/files.h"
 #include "platform/icons.h"
+#include "platform/installer.h"
 #include "platform/registry.h"
 #include "platform/shell.h"
+#include "platform/wmi.h"
 
 /// What the program stands on; all must outlive it.
 struct ProgramServices {
@@ -15,6 +18,9 @@ struct ProgramServices {
   const ORLO::Clock& clock;
   Shell& shell;
   IconExtractor& icons;
+  Installer& installer;
+  Wmi& wmi;
+  Accounts& accounts;
 };
 
 /// Runs from the marks of the process to the end of the main dialog: the process's exit code, 0

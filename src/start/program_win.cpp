@@ -8,6 +8,7 @@
 #include "orlo/report.h"
 #include "persist/configuration.h"
 #include "platform/language.h"
+#include "platform/system_version.h"
 #include "start/post_update.h"
 #include "start/switches.h"
 #include "view/resource_ids.h"
@@ -52,7 +53,8 @@ int show_main_dialog(HINSTANCE instance, const UninstallPara& para,
                      const ProgramServices& program) {
   const Resources resources(instance, static_cast<uint16_t>(ui_locale_id()));
   const DialogServices services{
-      {program.registry, program.files, program.clock, under_wow64(), &applyThreadLanguage},
+      {program.registry, program.files, program.clock, program.installer, program.wmi,
+       program.accounts, system_version(), under_wow64(), &applyThreadLanguage},
       program.shell,
       program.icons};
   const INT_PTR result =

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "inventory/reader_test_support.h"
 #include "orlo/dialog_test_support.h"
-#include "platform/memory_files.h"
 #include "platform/memory_registry.h"
 #include "view/later_script_test_support.h"
 
@@ -51,8 +51,8 @@ class DialogFrameTest : public testing::Test {
   ORLO::TestTemplate plan_{100, 100};
   const ORLO::BareDialog dialog_{plan_};
   MemoryRegistry registry_;
-  MemoryFiles files_;
-  UninstallReader reader_{{registry_, files_, ORLO::system_clock(), false, [] {}}, [] {}};
+  MemorySystem system_;
+  UninstallReader reader_{system_.over(registry_, false), [] {}};
   Table table_{packageSchema()};
   HistoryMerge history_;
   ORLO::CriticalSection lock_;

@@ -11,11 +11,11 @@
 #include <utility>
 
 #include "inventory/hooked_registry_test_support.h"
+#include "inventory/reader_test_support.h"
 #include "orlo/message_wait.h"
 #include "orlo/window_handles.h"
 #include "orlo/window_helpers.h"
 #include "platform/icons.h"
-#include "platform/memory_files.h"
 #include "platform/memory_registry.h"
 #include "platform/memory_shell.h"
 #include "view/later_script_test_support.h"
@@ -134,12 +134,16 @@ class UninstallDlgTest : public testing::Test {
         resources.module(), resources.dialog(IDD_MAIN), nullptr, [&](HWND made) {
           window = made;
           list = GetDlgItem(made, IDC_LIST);
-          return std::make_unique<UninstallDlg>(
-              made, std::make_unique<UninstallDlgPara>(para), resources,
-              DialogServices{{read_registry, files, ORLO::system_clock(), false, &apply_language},
-                             shell,
-                             icons});
+          return std::make_unique<UninstallDlg>(made, std::make_unique<UninstallDlgPara>(para),
+                                                resources,
+                                                DialogServices{reader_services(), shell, icons});
         });
+  }
+
+  UninstallReader::Services reader_services() {
+    UninstallReader::Services services = system.over(read_registry, false);
+    services.apply_thread_language = &apply_language;
+    return services;
   }
 
   void add(const std::string& key, const char16_t* name, const char16_t* date) {
@@ -191,7 +195,8 @@ class UninstallDlgTest : public testing::Test {
   HookedRegistry read_registry{registry, [this](const std::string& operation, uint32_t) {
                                  if (operation == "subkey_at") reading.pass();
                                }};
-  MemoryFiles files;
+  MemorySystem system;
+  MemoryFiles& files = system.files;
   MemoryShell shell;
   GatedIcons icons;
   HWND window = nullptr;

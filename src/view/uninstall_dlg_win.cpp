@@ -136,7 +136,8 @@ UninstallDlg::UninstallDlg(HWND window, std::unique_ptr<UninstallDlgPara> dialog
       model_(list_, CellTexts{resources.text(IDS_CHANGED), resources.text(IDS_NEW)}),
       painter_(window, model_),
       currentTable(packageSchema()),
-      reader_(services.reader, [window] { PostMessageA(window, kRegistryChanged, 0, 0); }),
+      reader_(
+          services.reader, [window] { PostMessageA(window, kRegistryChanged, 0, 0); }, window),
       cycle_({reader_, currentTable, history_, listLock, model_, *this, services.reader.clock}),
       frame_(
           {window, cycle_, [this] { return closing || ending(); }, [this] { requestRefresh(); }}),
@@ -403,6 +404,8 @@ void UninstallDlg::keep_settings() noexcept {
 
 void UninstallDlg::EndDialog(INT_PTR result) {
   cycle_.end();
+  // A pass that runs leaves out the sources after the one that it is in.
+  reader_.stop(ORLO::ActiveObject::WaitMode::none);
   // An open menu would keep its own message loop, and with it the dialog's, from ending.
   EndMenu();
   due_result_ = result;

@@ -157,5 +157,10 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR command_line, int) {
   const auto shell = make_system_shell();
   const auto icons = make_system_icon_extractor();
   HeldExtractor held_icons(*icons, points);
-  return run_program(instance, command_line, {held_registry, *files, clock, *shell, held_icons});
+  const auto installer = make_system_installer();
+  const auto wmi = make_system_wmi();
+  const auto accounts = make_system_accounts();
+  return run_program(
+      instance, command_line,
+      {held_registry, *files, clock, *shell, held_icons, *installer, *wmi, *accounts});
 }
