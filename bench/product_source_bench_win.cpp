@@ -5,6 +5,8 @@
 #include <msi.h>
 
 #include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -12,7 +14,7 @@
 #include "bench/uninstall_seed_win.h"
 #include "inventory/installer_source.h"
 #include "orlo/module_functions.h"
-#include "platform/installer_win_test_support.h"
+#include "platform/installer_seed_win.h"
 
 namespace {
 
@@ -61,11 +63,11 @@ void seed_patches(int product) {
   for (int i = 0; i < kPatches; ++i) {
     const std::string number = std::to_string(product * kPatches + i);
     const std::string patch = std::string(32 - number.size(), '0') + number;
-    const HKEY package = create(user + "\\Patches\\" + patch);
+    const HKEY package = create(user + ("\\Patches\\" + patch));
     set_text(package, "LocalPackage", "C:\\windows\\Installer\\" + number + ".msp");
     RegCloseKey(package);
-    const HKEY key = create(user + "\\Products\\" + packed_product_key(code_of(product)) +
-                            "\\Patches\\" + patch);
+    const std::string applied = packed_product_key(code_of(product)) + "\\Patches\\" + patch;
+    const HKEY key = create(user + ("\\Products\\" + applied));
     set_text(key, "DisplayName", "Patch " + number);
     set_text(key, "Installed", "20240115");
     set_number(key, "State", 1);
@@ -185,14 +187,23 @@ void floor_pass() {
   if (products != kProducts) std::printf("%d products\n", static_cast<int>(products));
 }
 
+void seed_products(InstallerSeed& seed) {
+  try {
+    for (int i = 0; i < kProducts; ++i)
+      seed.install(product_of(i));
+  } catch (const std::runtime_error& error) {
+    std::printf("%s\n", error.what());
+    std::exit(1);
+  }
+}
+
 }  // namespace
 
 int main() {
   InstallerSeed seed;
-  for (int i = 0; i < kProducts; ++i) {
-    seed.install(product_of(i));
+  seed_products(seed);
+  for (int i = 0; i < kProducts; ++i)
     seed_patches(i);
-  }
   ReaderRows rows;
   print_ratios("Product source, 500 products with 20 features",
                {{"zolvane", [&rows] { product_pass(rows); }, [&rows] { seed_rows(rows); }},

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "orlo/owned_handle.h"
+#include "platform/installer_seed_win.h"
 #include "platform/installer_test_support.h"
-#include "platform/installer_win_test_support.h"
 #include "platform/system_installer.h"
 
 namespace {
