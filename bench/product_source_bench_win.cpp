@@ -58,22 +58,25 @@ HKEY create(const std::string& path) {
   return key;
 }
 
-void seed_patches(int product) {
+void seed_patch(int product, int patch) {
   const std::string user = std::string(kUserData) + "\\" + kSid;
-  for (int i = 0; i < kPatches; ++i) {
-    const std::string number = std::to_string(product * kPatches + i);
-    const std::string patch = std::string(32 - number.size(), '0') + number;
-    const HKEY package = create(user + ("\\Patches\\" + patch));
-    set_text(package, "LocalPackage", "C:\\windows\\Installer\\" + number + ".msp");
-    RegCloseKey(package);
-    const std::string applied = packed_product_key(code_of(product)) + "\\Patches\\" + patch;
-    const HKEY key = create(user + ("\\Products\\" + applied));
-    set_text(key, "DisplayName", "Patch " + number);
-    set_text(key, "Installed", "20240115");
-    set_number(key, "State", 1);
-    set_number(key, "Uninstallable", 1);
-    RegCloseKey(key);
-  }
+  const std::string number = std::to_string(product * kPatches + patch);
+  const std::string name = std::string(32 - number.size(), '0') + number;
+  const HKEY package = create(user + "\\Patches\\" + name);
+  set_text(package, "LocalPackage", "C:\\windows\\Installer\\" + number + ".msp");
+  RegCloseKey(package);
+  const HKEY key =
+      create(user + "\\Products\\" + packed_product_key(code_of(product)) + "\\Patches\\" + name);
+  set_text(key, "DisplayName", "Patch " + number);
+  set_text(key, "Installed", "20240115");
+  set_number(key, "State", 1);
+  set_number(key, "Uninstallable", 1);
+  RegCloseKey(key);
+}
+
+void seed_patches(int product) {
+  for (int i = 0; i < kPatches; ++i)
+    seed_patch(product, i);
 }
 
 void seed_rows(ReaderRows& rows) {
