@@ -77,7 +77,7 @@ void set_property(const RegStatement& value, MemoryInstaller::Product& product) 
 std::string packed_product_key(std::string_view code) {
   std::string digits;
   std::copy_if(code.begin(), code.end(), std::back_inserter(digits),
-               [](char c) { return std::strchr("{}-", c) == nullptr; });
+               [](char c) { return c != '{' && c != '}' && c != '-'; });
   return reordered(digits);
 }
 

@@ -14,6 +14,10 @@ TEST(MemoryInstaller, PacksProductCodesAndUnpacksThem) {
   EXPECT_EQ(product_code_of(kPacked), kCode);
 }
 
+TEST(MemoryInstaller, TakesANulForADigit) {
+  EXPECT_EQ(packed_product_key(std::string(32, '\0')), std::string(32, '\0'));
+}
+
 TEST(MemoryInstaller, GivesProductsInTheOrderOfTheirCall) {
   MemoryInstaller installer;
   installer.add("b");
