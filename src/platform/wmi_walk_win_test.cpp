@@ -314,4 +314,15 @@ TEST(WmiWalk, TakesTextsInTheCodePageAndOfAnyLength) {
   EXPECT_EQ(walk.property(0, "\xE4"), "name");
 }
 
+TEST(WmiQueryOnALocator, FailsWhereTheServerRefuses) {
+  const int handles = ORLO::live_handles();
+  std::wstring asked;
+  const OwnedCom<IWbemLocator> locator(new RefusingLocator(asked));
+  WmiInstances results(2);
+  EXPECT_FALSE(run_wmi_query(*locator.get(), "SELECT", "ROOT/CIMV2", results));
+  EXPECT_TRUE(results.empty());
+  EXPECT_EQ(asked, L"ROOT/CIMV2");
+  EXPECT_EQ(ORLO::live_handles(), handles + 1);
+}
+
 }  // namespace
