@@ -280,6 +280,24 @@ TEST(WmiWalk, EndsAtAnInstanceThatTellsNoNames) {
   }
 }
 
+TEST(WmiWalk, TakesNoNumberForAName) {
+  const ORLO::OwnedBstr name(SysAllocString(L"a"));
+  const Walk walk(1, [&](size_t) {
+    auto* const instance = new FakeInstance({text(L"a", L"1")});
+    instance->set_names([&](SAFEARRAY*& names) {
+      names = SafeArrayCreateVector(VT_UI4, 0, 1);
+      LONG index = 0;
+      auto number = static_cast<ULONG>(reinterpret_cast<UINT_PTR>(name.get()));
+      SafeArrayPutElement(names, &index, &number);
+      return S_OK;
+    });
+    return instance;
+  });
+  EXPECT_FALSE(walk.complete);
+  ASSERT_EQ(walk.results.size(), 1u);
+  EXPECT_TRUE(walk.results[0].empty());
+}
+
 TEST(WmiWalk, EndsAtANameThatIsNone) {
   const Walk walk(1, [](size_t) {
     auto* const instance = new FakeInstance({text(L"a", L"1")});
