@@ -31,6 +31,7 @@ max_len() {
     usage_cache) echo 560 ;;
     image_list) echo 512 ;;
     reg_text) echo 256 ;;
+    update_key) echo 32 ;;
     xml_reader) echo 128 ;;
     *) echo 64 ;;
   esac
@@ -43,6 +44,8 @@ sources() {
     command | version) echo src/inventory/text_helpers.cpp ;;
     usage_cache) echo src/inventory/usage_cache.cpp ;;
     reg_text) echo src/platform/reg_text.cpp ;;
+    update_key) echo src/inventory/updates_registry.cpp ;;
+    update_line) echo src/inventory/update_log.cpp ;;
     image_list) echo src/platform/image_list_bytes.cpp ;;
     image_paths) echo src/persist/image_paths.cpp ;;
     file_text)
