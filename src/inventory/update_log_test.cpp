@@ -188,6 +188,8 @@ TEST(UpdateLogLine, WordsAreCutAtAHundredCharacters) {
   EXPECT_NE(date_of("2011-01-" + zeros.substr(1) + "08 22:54:25"), shown(2011, 1, 8, 22, 54))
       << "the last digit is cut";
   EXPECT_EQ(date_of("2011-01-08 " + zeros + "22:54:25"), shown(2011, 1, 8, 22, 54));
+  EXPECT_EQ(date_of("2011-01-08 " + std::string(98, '0') + "22:54:25"), shown(2011, 1, 8, 22))
+      << "minutes and seconds are cut";
 }
 
 TEST(UpdateLogLine, ALineEndsAtItsFirstNul) {
