@@ -14,8 +14,8 @@ readonly build_packages=(
 wine_packages=(wine wine32:i386 wine64 fonts-wine)
 readonly screen_packages=(xvfb openbox xdotool imagemagick x11-utils python3)
 readonly run_packages=(locales tzdata)
-# cmake: with ctest in it.
-readonly test_run_packages=(cmake libchm-bin python3-pytest python3-pytest-xdist)
+# cmake: with ctest in it. wixl: builds the packages that the tests install.
+readonly test_run_packages=(cmake libchm-bin python3-pytest python3-pytest-xdist wixl)
 readonly test_packages=(
   clang clang-format clang-tidy g++ g++-mingw-w64-x86-64-posix libbenchmark-dev
   libclang-rt-14-dev libgmock-dev libgtest-dev libxml2-dev shellcheck)

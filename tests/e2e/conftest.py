@@ -75,11 +75,11 @@ def binaries():
 
 
 @contextlib.contextmanager
-def desk_on(screen, template, keys=(), usages=None, files=(), lc_all=ENGLISH, dpi=None):
+def desk_on(screen, template, keys=(), usages=None, files=(), lc_all=ENGLISH, dpi=None, wmi=False):
     """A Desk on a screen, cleared away at the end. `dpi`: the resolution that the prefix tells of
-    any screen."""
+    any screen. `wmi`: whether it has WMI."""
     with contextlib.ExitStack() as stack:
-        prefix = stack.enter_context(contextlib.closing(Prefix(template, screen.env, lc_all)))
+        prefix = stack.enter_context(contextlib.closing(Prefix(template, screen.env, lc_all, wmi)))
         for file in files:
             prefix.make_file(file)
         if keys or usages:
@@ -95,8 +95,8 @@ def desk_on(screen, template, keys=(), usages=None, files=(), lc_all=ENGLISH, dp
 
 @pytest.fixture(scope="session")
 def make_desk(screen, template):
-    """A context manager: make_desk(keys, usages, files, lc_all, dpi) gives a Desk and clears it
-    away."""
+    """A context manager: make_desk(keys, usages, files, lc_all, dpi, wmi) gives a Desk and clears
+    it away."""
     return functools.partial(desk_on, screen, template)
 
 

@@ -12,12 +12,12 @@ from pathlib import Path
 SHARED = ("windows/system32", "windows/syswow64", "windows/winsxs")
 
 
-def wine_env(base, folder, lc_all):
+def wine_env(base, folder, lc_all, wmi=False):
     """The environment of all programs in a prefix. winemenubuilder would write into the user's
-    menus; without wbemprox a fresh prefix has no hotfix of its own to tell of."""
+    menus; `wmi`: whether there is WMI, which tells of a hotfix even in a fresh prefix."""
+    disabled = "winemenubuilder.exe" + ("" if wmi else ",wbemprox")
     return dict(base, WINEPREFIX=str(folder), WINEDEBUG="-all", LC_ALL=lc_all, TZ="Europe/Berlin",
-                WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe,wbemprox=d",
-                HOME=str(folder.parent))
+                WINEDLLOVERRIDES=f"mscoree,mshtml=;{disabled}=d", HOME=str(folder.parent))
 
 
 def wait_for_server(env, *flags):
@@ -64,10 +64,10 @@ RECENT = RecentFolders(64)
 
 
 class Prefix:
-    def __init__(self, template, base_env, lc_all):
+    def __init__(self, template, base_env, lc_all, wmi=False):
         self._home = Path(tempfile.mkdtemp(prefix="run-", dir=template.parent))
         self.folder = self._home / "prefix"
-        self.env = wine_env(base_env, self.folder, lc_all)
+        self.env = wine_env(base_env, self.folder, lc_all, wmi)
         shared = tuple(f"{template / 'drive_c' / name}{os.sep}" for name in SHARED)
 
         def copy(source, target):

@@ -4,6 +4,7 @@ from dataclasses import dataclass, field
 
 from . import dates
 from .registry import EXPAND_SZ, MULTI_SZ, SZ, UNINSTALL, typed
+from .sources import keys_at
 
 LOCAL_MACHINE, CURRENT_USER = -2147483646, -2147483647
 
@@ -44,7 +45,7 @@ def world_of(desk, keys, usages):
     places = {"local": ("HKLM", 32), "local64": ("HKLM", 64), "user": ("HKCU", 64)}
     written = {(place, key["name"].lower()): key["written"]
                for place, (root, view) in places.items()
-               for key in desk.driver("reg-keys", root, view, "Software\\" + UNINSTALL)}
+               for key in keys_at(desk, (root, view), "Software\\" + UNINSTALL)}
     return World(keys, usages, written, desk.prefix, desk.driver("short-date"))
 
 
@@ -149,7 +150,8 @@ def read_key(world, key, root, source, is_64):
         parentName=text_of(key, "ParentDisplayName"), installDate=install_date(world, key),
         uninstallCmd=text_of(key, "UninstallString"), displayIcon=text_of(key, "DisplayIcon"),
         size=number_of(key, "EstimatedSize", -1), lastUseDate="", frequency="",
-        systemComponent=number_of(key, "SystemComponent"))
+        systemComponent=number_of(key, "SystemComponent"), uninstallDate="31.12.2099",
+        packagePath="", features=0, patches=0, user="")
     apply_usage(world, key, row)
     row["installerPath"] = installer_path(world, row["uninstallCmd"])
     if not row["installerPath"]:
@@ -185,10 +187,12 @@ def cells(row):
     check = {1: "OK", -1: "fix", -2: "-"}.get(row["state"], "")
     return [
         row["name"], row["source"], ("   " if row["parent"] else "") + name, row["displayVersion"],
-        row["parent"], row["parentName"] or row["parent"], row["installDate"], "31.12.2099",
+        row["parent"], row["parentName"] or row["parent"], row["installDate"],
+        row["uninstallDate"],
         size_text(row["size"]), row["uninstallCmd"], row["modifyCmd"], row["installerPath"], check,
-        row["displayIcon"], row["installLocation"], row["lastUseDate"], "", "0", "0",
-        yes_no(row["is64"]), yes_no(row["systemComponent"]), row["frequency"], row["comments"], "",
+        row["displayIcon"], row["installLocation"], row["lastUseDate"], row["packagePath"],
+        str(row["features"]), str(row["patches"]), yes_no(row["is64"]),
+        yes_no(row["systemComponent"]), row["frequency"], row["comments"], row["user"],
         row["publisher"], row["contact"], row["helpURL"], row["helpPhone"], row["aboutURL"],
         row["updateURL"], "",
     ]
