@@ -87,6 +87,13 @@ def passing(desk, points):
     return State(desk, program, desk.go)
 
 
+def slow_source(desk, points):
+    """A source that answers late: the installer, for one. The Uninstall keys have been read."""
+    program = desk.start("hold@product1 " + points)
+    desk.reached()
+    return State(desk, program, desk.go)
+
+
 def handing_over(desk, points):
     program = desk.start("hold@hand-over " + points)
     desk.reached()
@@ -179,7 +186,8 @@ def icon_pass(desk, points):
     return State(desk, program, desk.go)
 
 
-STATES = {"starting": starting, "pass": passing, "hand-over": handing_over, "idle": idle,
+STATES = {"starting": starting, "pass": passing, "slow source": slow_source,
+          "hand-over": handing_over, "idle": idle,
           "box-main": box_on_main, "box-reader": box_on_reader, "menu": menu_open,
           "question": question_open, "installer": installer_running, "icon pass": icon_pass,
           "ending": ending}
@@ -212,6 +220,7 @@ ENDS, LIVES = "ends", "lives"
 TABLE = {
     "starting": dict(close=ENDS, escape=ENDS, quit=ENDS, refresh=LIVES, notice=LIVES),
     "pass": dict(close=ENDS, escape=ENDS, quit=ENDS, refresh=LIVES, notice=LIVES),
+    "slow source": dict(close=ENDS, escape=ENDS, quit=ENDS, refresh=LIVES, notice=LIVES),
     "hand-over": dict(close=ENDS, escape=ENDS, quit=ENDS, refresh=LIVES, notice=LIVES),
     "idle": dict(close=ENDS, escape=ENDS, quit=ENDS, refresh=LIVES, notice=LIVES),
     # The key goes to the box, or to the menu, and closes that alone.
@@ -284,6 +293,95 @@ def test_an_icon_that_is_being_extracted_is_all_that_the_end_waits_for(desk, eve
     assert time.monotonic() - start < ENDS_WITHIN
 
 
+# Where a source is slow: the installer's, and the last one, WMI's.
+SLOW = ["product", "wmi"]
+
+
+def in_slow_source(desk, source, points=""):
+    """What has been reached is traced."""
+    trace = desk.drive_c / "trace.txt"
+    trace.unlink(missing_ok=True)
+    program = desk.start(f"hold@{source}1 {points}", TRACE="C:\\trace.txt")
+    desk.reached()
+    return State(desk, program, desk.go), lambda: trace.read_text().split()
+
+
+@pytest.mark.parametrize("event", ["close", "escape", "quit", "refresh", "notice"])
+@pytest.mark.parametrize("source", SLOW)
+def test_the_window_is_alive_while_a_source_is_slow(desk, source, event):
+    state, reached = in_slow_source(desk, source)
+    program = state.program
+    first = program.ask("focus")
+    program.press_key("Tab")
+    eventually(lambda: program.ask("focus") != first, "Tab moves the focus")
+    EVENTS[event](state)
+    if event != "quit":
+        program.ask("ping", 3, ENDS_WITHIN * 1000)
+        assert program.window()["visible"]
+    # Nobody breaks the source off, nor goes on without it.
+    assert program.is_running()
+    assert reached()[-1] == f"{source}1"
+    state.leave()
+    {ENDS: check_ends, LIVES: check_lives}[TABLE["slow source"][event]](state)
+
+
+@pytest.mark.parametrize("event", ["close", "escape", "quit"])
+def test_an_end_waits_for_the_slow_source_alone_and_nothing_is_handed_over(desk, event):
+    state, reached = in_slow_source(desk, "product")
+    EVENTS[event](state)
+    if event != "quit":
+        state.program.ask("ping", 3, ENDS_WITHIN * 1000)
+    start = time.monotonic()
+    state.leave()
+    check_ends(state)
+    assert time.monotonic() - start < ENDS_WITHIN
+    assert reached() == ["start", "source1", "source2", "source3", "product1"]
+
+
+def test_a_refresh_inside_a_slow_source_empties_the_tables_and_a_second_cycle_follows(desk):
+    state, reached = in_slow_source(desk, "product", "hold@product2")
+    EVENTS["refresh"](state)
+    state.leave()
+    desk.reached()
+    # The rows of the keys had been read, and were forgotten.
+    assert "hand-over" not in reached()
+    assert state.program.rows() == []
+    assert sum(point.startswith("source") for point in reached()) == 6
+    state.leave()
+    state.program.wait_for_status(ALL)
+    assert sum(point.startswith("product") for point in reached()) == 2
+    check_lives(state)
+
+
+def test_a_notice_inside_a_slow_source_is_counted_and_starts_nothing(desk):
+    state, reached = in_slow_source(desk, "product")
+    for _ in range(3):
+        EVENTS["notice"](state)
+    state.program.ask("ping", 3, ENDS_WITHIN * 1000)
+    state.leave()
+    state.program.wait_for_status(ALL)
+    assert sum(point.startswith("product") for point in reached()) == 1
+    check_lives(state)
+
+
+@pytest.mark.parametrize("source", SLOW)
+@pytest.mark.parametrize("how, text", [("die", "generic exception"), ("fail", "held at %s1")])
+def test_a_failure_inside_a_slow_source_is_told_once_and_leaves_what_was_read(desk, source, how,
+                                                                              text):
+    state, _ = in_slow_source(desk, source, f"{how}@{source}1")
+    state.leave()
+    program = state.program
+    box = desk.wait_for_box(program.pid)
+    texts = [control["text"] for control in desk.driver("controls", box)]
+    assert any(text.replace("%s", source) in shown for shown in texts), texts
+    assert len(desk.boxes(program.pid)) == 1
+    # The keys were read before it.
+    program.wait_for_status(ALL)
+    assert len(program.rows()) == len(KEYS)
+    desk.answer_box(box)
+    check_lives(state)
+
+
 @pytest.mark.parametrize("event", ["refresh", "notice"])
 @pytest.mark.parametrize("name", ["question", "installer"])
 def test_a_refresh_waits_neither_for_an_answer_nor_for_an_installer(desk, name, event):
@@ -350,6 +448,7 @@ def test_the_death_of_the_icons_thread_is_reported_once(desk):
 DEATHS = {
     "starting": ("die@source1", None, LIVES),
     "pass": ("die@source2", None, LIVES),
+    "slow source": ("die@product1", None, LIVES),
     "hand-over": ("die@source4", "after", LIVES),
     "idle": ("die@source4", "after", LIVES),
     "box-main": ("die@source4", "before", LIVES),
@@ -461,6 +560,7 @@ def test_keys_work_during_the_first_pass(desk):
 HOLDS = {"start": starting, "source 1": lambda desk, points: held_at(desk, "source1"),
          "source 2": lambda desk, points: held_at(desk, "source2"),
          "source 3": lambda desk, points: held_at(desk, "source3"),
+         "installer's source": slow_source, "WMI": lambda desk, points: held_at(desk, "wmi1"),
          "hand-over": handing_over, "box": box_on_main, "menu": menu_open, "idle": idle,
          "question": question_open, "installer": installer_running, "icon": icon_pass}
 

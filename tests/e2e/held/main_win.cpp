@@ -4,6 +4,8 @@
 // The environment variable ZOLVANE_HELD names what happens, as "hold@source1 fail@hand-over":
 //   start        the main thread opens its first key
 //   sourceN      the reader begins with the Nth Uninstall key it reads, counted over all passes
+//   productN     the reader asks the installer for its first product, counted likewise
+//   wmiN         the reader connects to WMI or sends it a query, both counted, likewise
 //   hand-over    the main thread reads the first date of a row
 //   iconN        the icons' thread is about to extract the Nth icon, counted likewise
 //   watch        a watcher of the registry waits for the next change, having told of the last one
@@ -16,6 +18,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -24,6 +27,9 @@
 #include "orlo/exception.h"
 #include "orlo/owned_handle.h"
 #include "orlo/thread.h"
+#include "platform/accounts.h"
+#include "platform/installer.h"
+#include "platform/wmi.h"
 #include "start/program.h"
 
 namespace {
@@ -108,6 +114,58 @@ class HeldExtractor : public IconExtractor {
   int count_ = 0;  ///< the icons' thread's
 };
 
+class HeldInstaller : public Installer {
+ public:
+  HeldInstaller(Installer& behind, Points& points) : behind_(behind), points_(points) {}
+  void set_internal_ui(uint32_t level, void** owner) override {
+    behind_.set_internal_ui(level, owner);
+  }
+  InstallerStatus product_at(uint32_t index, InstallerName& code) override {
+    if (index == 0) points_.reach("product" + std::to_string(++count_));
+    return behind_.product_at(index, code);
+  }
+  InstallerStatus feature_at(const char* product, uint32_t index, InstallerName& feature,
+                             InstallerName& parent) override {
+    return behind_.feature_at(product, index, feature, parent);
+  }
+  std::optional<String> product_info(const char* product, const char* property) override {
+    return behind_.product_info(product, property);
+  }
+
+ private:
+  Installer& behind_;
+  Points& points_;
+  int count_ = 0;  ///< the reader's
+};
+
+class HeldWmi : public Wmi {
+ public:
+  HeldWmi(Wmi& behind, Points& points) : behind_(behind), points_(points) {}
+  std::unique_ptr<WmiQuery> connect() override {
+    reach();
+    return std::make_unique<Query>(*this, behind_.connect());
+  }
+
+ private:
+  class Query : public WmiQuery {
+   public:
+    Query(HeldWmi& wmi, std::unique_ptr<WmiQuery> behind) : wmi_(wmi), behind_(std::move(behind)) {}
+    bool Execute(const char* query, const char* name_space, WmiInstances& results) override {
+      wmi_.reach();
+      return behind_->Execute(query, name_space, results);
+    }
+
+   private:
+    HeldWmi& wmi_;
+    const std::unique_ptr<WmiQuery> behind_;
+  };
+
+  void reach() { points_.reach("wmi" + std::to_string(++count_)); }
+  Wmi& behind_;
+  Points& points_;
+  int count_ = 0;  ///< the reader's
+};
+
 class HeldClock : public ORLO::Clock {
  public:
   HeldClock(const ORLO::Clock& behind, Points& points) : behind_(behind), points_(points) {}
@@ -158,9 +216,11 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR command_line, int) {
   const auto icons = make_system_icon_extractor();
   HeldExtractor held_icons(*icons, points);
   const auto installer = make_system_installer();
+  HeldInstaller held_installer(*installer, points);
   const auto wmi = make_system_wmi();
+  HeldWmi held_wmi(*wmi, points);
   const auto accounts = make_system_accounts();
   return run_program(
       instance, command_line,
-      {held_registry, *files, clock, *shell, held_icons, *installer, *wmi, *accounts});
+      {held_registry, *files, clock, *shell, held_icons, held_installer, held_wmi, *accounts});
 }
