@@ -1,5 +1,6 @@
 """What is new or changed since the last run, and the file that remembers."""
 
+import contextlib
 import os
 import shutil
 from pathlib import Path
@@ -8,7 +9,8 @@ import pytest
 
 from conftest import BINARIES
 from support.held import HeldDesk
-from support.program import ALL_PACKAGES, REFRESH, WINDOW_CLASS, eventually, wait_for_focus
+from support.program import (ALL_PACKAGES, REFRESH, WINDOW_CLASS, DriverError, eventually,
+                             wait_for_focus)
 from support.registry import BINARY, SZ, UNINSTALL, USAGE_CACHE, Key, Usage, usage_bytes
 from support.watching import PLACES, shows_by_itself
 
@@ -409,13 +411,18 @@ def test_two_programs_write_the_same_files_and_the_last_one_wins(memory):
     assert program.close() == 0
 
 
-def test_a_close_during_the_first_pass_leaves_a_whole_history(files):
+@pytest.mark.parametrize("point", ["source2", "product1"])
+def test_a_close_during_the_first_pass_leaves_no_history_and_the_next_run_a_whole_one(files, point):
     held = HeldDesk(files.desk, BINARIES / "zolvane-held.exe")
-    program = held.start("hold@source2", persist=True)
+    program = held.start(f"hold@{point}", persist=True)
     held.reached()
     program.ask("post", WM_CLOSE, 0, 0)
+    program.ask("ping", 3, BOX_LIMIT)
     held.go()
     assert program.exit_code() == 0
+    # What a pass has read of the machine by then is no state of it.
+    assert not files.file.exists()
+    assert files.run() == {}
     assert files.content() == GOLDEN.read_bytes()
 
 
@@ -437,9 +444,8 @@ def hold_with_news(memory):
     return hold
 
 
-@pytest.mark.parametrize("point", POINTS)
-def test_a_close_in_the_middle_still_keeps_the_news(memory, hold_with_news, point):
-    held, program = hold_with_news(point)
+def test_a_close_in_the_middle_of_a_hand_over_still_keeps_the_news(memory, hold_with_news):
+    held, program = hold_with_news("hand-over")
     program.ask("post", WM_CLOSE, 0, 0)
     held.go()
     assert program.exit_code() == 0
@@ -458,9 +464,19 @@ def test_a_refresh_in_the_middle_accepts_the_present_state(memory, hold_with_new
     assert memory.run(count=4) == {}
 
 
-def test_a_quit_in_the_middle_of_a_pass_leaves_the_news_to_the_next_run(memory, hold_with_news):
-    held, program = hold_with_news("source2")
-    program.ask("post-thread", WM_QUIT)
+@pytest.mark.parametrize("end", [
+    lambda program: program.ask("post", WM_CLOSE, 0, 0),
+    lambda program: program.ask("post-thread", WM_QUIT),
+], ids=["close", "quit"])
+@pytest.mark.parametrize("point", ["source2", "product1"])
+def test_an_end_in_the_middle_of_a_pass_leaves_the_news_to_the_next_run(memory, hold_with_news,
+                                                                        point, end):
+    held, program = hold_with_news(point)
+    end(program)
+    # Until the close has been heard; a pass that ends before a quit is heard isn't handed over
+    # either.
+    with contextlib.suppress(DriverError):
+        program.ask("ping", 3, BOX_LIMIT)
     held.go()
     assert program.exit_code() == 0
     assert memory.content() == GOLDEN.read_bytes()

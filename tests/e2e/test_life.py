@@ -298,12 +298,13 @@ SLOW = ["product", "wmi"]
 
 
 def in_slow_source(desk, source, points=""):
-    """What has been reached is traced."""
+    """With what tells the points that have been reached, those apart at which nothing is read."""
     trace = desk.drive_c / "trace.txt"
     trace.unlink(missing_ok=True)
     program = desk.start(f"hold@{source}1 {points}", TRACE="C:\\trace.txt")
     desk.reached()
-    return State(desk, program, desk.go), lambda: trace.read_text().split()
+    return State(desk, program, desk.go), lambda: [
+        point for point in trace.read_text().split() if point not in ("start", "watch")]
 
 
 @pytest.mark.parametrize("event", ["close", "escape", "quit", "refresh", "notice"])
@@ -335,7 +336,10 @@ def test_an_end_waits_for_the_slow_source_alone_and_nothing_is_handed_over(desk,
     state.leave()
     check_ends(state)
     assert time.monotonic() - start < ENDS_WITHIN
-    assert reached() == ["start", "source1", "source2", "source3", "product1"]
+    assert "hand-over" not in reached()
+    if event != "quit":
+        # That one may be heard only after the source has answered.
+        assert reached() == ["source1", "source2", "source3", "product1"]
 
 
 def test_a_refresh_inside_a_slow_source_empties_the_tables_and_a_second_cycle_follows(desk):
@@ -506,13 +510,11 @@ def test_a_failed_pass_says_why_in_a_box_of_the_window(desk):
 
 
 @pytest.mark.parametrize("end", ["close", "escape"])
-def test_the_window_stays_until_the_refresh_that_it_is_closed_in_has_ended(desk, end):
-    state = passing(desk, "hold@hand-over")
+def test_the_window_stays_until_the_hand_over_that_it_is_closed_in_has_ended(desk, end):
+    state = handing_over(desk, "")
     EVENTS[end](state)
+    assert state.program.is_running() and state.program.window()["visible"]
     state.leave()
-    desk.reached()
-    assert state.program.window()["visible"]
-    desk.go()
     check_ends(state)
 
 
