@@ -14,6 +14,7 @@
 #include "bench/bare_list_win.h"
 #include "bench/icon_files_win.h"
 #include "bench/interleaved.h"
+#include "inventory/reader_test_support.h"
 #include "orlo/dlg_controller.h"
 #include "orlo/message_wait.h"
 #include "platform/files.h"
@@ -154,6 +155,7 @@ void choose_rows(const IconFiles& files, IconExtractor& extractor, Files& system
     registry.set_text(key, "DisplayIcon", std::u16string(path.begin(), path.end()));
   }
   MemoryShell shell;
+  MemorySystem nothing;
   const Resources resources(GetModuleHandleA(nullptr), 2057);
   UninstallPara para;
   para.noPersist = true;
@@ -161,8 +163,10 @@ void choose_rows(const IconFiles& files, IconExtractor& extractor, Files& system
       resources.module(), resources.dialog(IDD_MAIN), nullptr, [&](HWND made) {
         return std::make_unique<UninstallDlg>(
             made, std::make_unique<UninstallDlgPara>(para), resources,
-            DialogServices{
-                {registry, system, ORLO::system_clock(), false, [] {}}, shell, extractor});
+            DialogServices{{registry, system, ORLO::system_clock(), nothing.installer, nothing.wmi,
+                            nothing.accounts, nothing.version, false, [] {}},
+                           shell,
+                           extractor});
       });
   const HWND list = GetDlgItem(dialog, IDC_LIST);
   int row = 0;

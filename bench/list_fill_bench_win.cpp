@@ -10,6 +10,7 @@
 #include "bench/interleaved.h"
 #include "bench/uninstall_seed_win.h"
 #include "inventory/reader.h"
+#include "inventory/reader_test_support.h"
 #include "orlo/orlowin.h"
 #include "view/list_model.h"
 #include "view/sys_list.h"
@@ -114,8 +115,9 @@ int main(int argc, char** argv) {
   SysListControl control(product_list);
   ListModel model(control, CellTexts());
   const auto registry = make_system_registry();
-  const auto files = make_system_files();
-  UninstallReader reader({*registry, *files, ORLO::system_clock(), false, [] {}});
+  // The Uninstall keys alone: the other sources have nothing to tell.
+  MemorySystem system;
+  UninstallReader reader(system.over(*registry, false));
 
   std::unique_ptr<const Table> difference;
   double difference_time = 0;

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "bench/interleaved.h"
+#include "inventory/reader_test_support.h"
 #include "orlo/dlg_controller.h"
-#include "platform/memory_files.h"
 #include "platform/memory_icons.h"
 #include "platform/memory_registry.h"
 #include "platform/memory_shell.h"
@@ -37,7 +37,7 @@ void seed(MemoryRegistry& registry) {
   }
 }
 
-HWND open_window(const Resources& resources, MemoryRegistry& registry, MemoryFiles& files,
+HWND open_window(const Resources& resources, MemoryRegistry& registry, MemorySystem& system,
                  MemoryShell& shell, MemoryIcons& icons) {
   UninstallPara para;
   para.noPersist = true;
@@ -45,7 +45,7 @@ HWND open_window(const Resources& resources, MemoryRegistry& registry, MemoryFil
       resources.module(), resources.dialog(IDD_MAIN), nullptr, [&](HWND made) {
         return std::make_unique<UninstallDlg>(
             made, std::make_unique<UninstallDlgPara>(para), resources,
-            DialogServices{{registry, files, ORLO::system_clock(), false, [] {}}, shell, icons});
+            DialogServices{system.over(registry, false), shell, icons});
       });
   SetWindowPos(window, nullptr, 0, 0, kWidth, kHeight, SWP_NOZORDER);
   return window;
@@ -83,12 +83,12 @@ class Window {
 int main() {
   InitCommonControls();
   MemoryRegistry registry(MemoryRegistry::View::native);
-  MemoryFiles files;
+  MemorySystem system;
   MemoryShell shell;
   MemoryIcons icons;
   seed(registry);
   const Resources resources(GetModuleHandleA(nullptr), kEnglish);
-  Window window(open_window(resources, registry, files, shell, icons));
+  Window window(open_window(resources, registry, system, shell, icons));
   if (!window.shows_all()) {
     std::printf("the window doesn't show %d rows\n", kRows);
     return 1;
