@@ -112,8 +112,8 @@ NEEDED = {
                       "Doppelklick", "Umschalt+F10"]),
     "files.htm": (["%LOCALAPPDATA%\\Quillmere", "zolvane-cfg.xml", "zolvane-hist.xml",
                    "zolvane-imagelist.dat", "zolvane-imagepaths.txt"],) * 2,
-    "limits.htm": (["other users", "only one can show", "what an installer registered"],
-                   ["anderer Benutzer", "nur eine erscheinen kann",
+    "limits.htm": (["other users", "only one line can show", "what an installer registered"],
+                   ["anderer Benutzer", "nur eine Zeile erscheinen kann",
                     "was ein Installationsprogramm"]),
     "keys.htm": (["F1", "F5", "Escape", "-eng", "-ger", "-nopersist", "-noupdate"],) * 2,
 }
