@@ -107,7 +107,6 @@ int UninstallReader::Run() {
 void UninstallReader::guarded_pass() {
   try {
     pass();
-    return;
   } catch (const ORLO::Exception& exception) {
     set_error_text(exception.what());
   } catch (const ORLO::ComError& error) {
@@ -115,7 +114,6 @@ void UninstallReader::guarded_pass() {
   } catch (const std::bad_alloc&) {
     set_error_text(ORLO::SDKException(kOutOfMemory).what());
   }
-  whole_ = true;
 }
 
 /// The order is the precedence of the rows: a later one with the same key replaces an earlier.
@@ -128,6 +126,8 @@ void UninstallReader::pass() {
       &UninstallReader::read_update_log,   &UninstallReader::read_servicing_packages,
       &UninstallReader::read_wmi_hotfixes,
   };
+  // An older pass, of a cycle that was given up, may have ended after this one was asked for.
+  whole_ = false;
   Unseen unseen = rows_.keys();
   for (const Step step : kSteps) {
     if (stop_requested()) return;
@@ -160,7 +160,7 @@ void UninstallReader::read_products(Unseen& unseen) {
 void UninstallReader::read_place(int32_t root, Place& place, bool is64BitView, Unseen& unseen) {
   if (!place.key) return;
   uninstall_.readUninstallKey(root, place.key, unseen, is64BitView, deliver_);
-  // Behind the first read, so that what this pass brings isn't told once more.
+  // After the first read, so that what this pass brings isn't told once more.
   if (place.watcher != nullptr || !tell_change_) return;
   place.watcher = std::make_unique<RegWatcherThread>(place.key, place.change_event, tell_change_,
                                                      true, kWatchedChanges);

@@ -55,9 +55,9 @@ class UninstallReader : public ORLO::ActiveFinisher {
   void accept_loss() noexcept;
   /// Gives a lost reader a new thread; its old one must have ended. The rows stay.
   void revive();
-  /// True if the last pass left out sources, as the reader has been asked to stop: its rows are no
-  /// state of the machine.
-  bool cut_short() const noexcept { return stop_requested() && !whole_; }
+  /// True if the last pass is over without having read all sources, and no other one will, as the
+  /// reader has been asked to stop: the rows are no state of the machine.
+  bool cut_short() const noexcept { return !running_ && stop_requested() && !whole_; }
   /// What the passes have read.
   ReaderRows& rows() noexcept { return rows_; }
   /// Text of the failure that ended the last pass; empty if none did.
@@ -100,7 +100,7 @@ class UninstallReader : public ORLO::ActiveFinisher {
   ORLO::Event done_event_;
   std::atomic<bool> running_{false};
   std::atomic<bool> lost_{false};
-  std::atomic<bool> whole_{false};  ///< the pass came to the end of its sources, or failed
+  std::atomic<bool> whole_{false};  ///< the last pass came to the end of its sources
   ReaderRows rows_;
 
   mutable ORLO::CriticalSection error_lock_;

@@ -32,6 +32,7 @@ class OneProduct : public Installer {
   void set_internal_ui(uint32_t, void** owner) override {
     if (at_call) at_call();
     window = *owner;
+    *owner = nullptr;  // As the system writes the former owner there.
   }
   InstallerStatus product_at(uint32_t index, InstallerName& code) override {
     if (index != 0) return kInstallerNoMoreItems;
@@ -89,12 +90,8 @@ class ReaderTest : public testing::Test {
   }
 
   void start(Registry& registry) {
-    const UninstallReader::Services own = system_.over(registry);
-    reader_ = std::make_unique<UninstallReader>(
-        UninstallReader::Services{own.registry, own.files, own.clock, installer_, wmi_,
-                                  own.accounts, own.version, own.under_wow64,
-                                  own.apply_thread_language},
-        UninstallReader::TellChange(), &window_);
+    reader_ = std::make_unique<UninstallReader>(system_.over(registry, installer_, wmi_),
+                                                tell_change_, &window_);
   }
   void start() { start(registry_); }
   void pass() {
@@ -120,6 +117,7 @@ class ReaderTest : public testing::Test {
   TempFolder folder_;
   Table current_{packageSchema()};
   int window_ = 0;
+  UninstallReader::TellChange tell_change_;
   std::unique_ptr<UninstallReader> reader_;
 };
 
@@ -153,10 +151,13 @@ TEST_F(ReaderTest, OlderSystemsAreAskedForNeitherServicingPackagesNorHotfixes) {
   EXPECT_EQ(names(), (Names{"Update KB5", "Key 0"}));
 }
 
-TEST_F(ReaderTest, WithoutUninstallKeysTheOtherSourcesAreRead) {
+TEST_F(ReaderTest, WithoutUninstallKeysTheOtherSourcesAreReadAndNothingIsWatched) {
   registry_.remove("HKEY_CURRENT_USER\\SOFTWARE\\Microsoft");
+  tell_change_ = [] {};
   start();
   EXPECT_EQ(names(), Names{"Update KB5"});
+  reader_->stop();
+  EXPECT_EQ(registry_.awaited(), 0u);
 }
 
 TEST_F(ReaderTest, WithoutAWindowsFolderThereIsNoLog) {
@@ -186,8 +187,11 @@ TEST_F(ReaderTest, ProductWithAnUninstallKeyEnrichesItsRow) {
 
 TEST_F(ReaderTest, InstallerIsGivenTheMainWindow) {
   start();
-  pass();
-  EXPECT_EQ(installer_.window, &window_);
+  for (int i = 0; i < 2; ++i) {
+    installer_.window = nullptr;
+    pass();
+    EXPECT_EQ(installer_.window, &window_);
+  }
 }
 
 TEST_F(ReaderTest, FailedConversionOfWmiEndsThePassWithItsText) {
@@ -222,12 +226,41 @@ TEST_F(ReaderTest, PassThatHadComeToItsEndIsNotCutShort) {
   EXPECT_FALSE(reader_->cut_short());
 }
 
-TEST_F(ReaderTest, ReaderIsNotCutShortWhileItRuns) {
+TEST_F(ReaderTest, PassIsNotCutShortBeforeItIsOver) {
   bool cut_short = true;
-  installer_.at_call = [&] { cut_short = reader_->cut_short(); };
+  installer_.at_call = [&] {
+    reader_->stop(ORLO::ActiveObject::WaitMode::none);
+    cut_short = reader_->cut_short();
+  };
   start();
   pass();
   EXPECT_FALSE(cut_short);
+  EXPECT_TRUE(reader_->cut_short());
+}
+
+TEST_F(ReaderTest, PassAfterAWholeOneMayBeCutShort) {
+  start();
+  pass();
+  installer_.at_call = [this] { reader_->stop(ORLO::ActiveObject::WaitMode::none); };
+  pass();
+  EXPECT_TRUE(reader_->cut_short());
+}
+
+TEST_F(ReaderTest, PassThatFailsOnceTheReaderIsToStopIsCutShort) {
+  installer_.at_call = [this] {
+    reader_->stop(ORLO::ActiveObject::WaitMode::none);
+    throw ORLO::UserException("off");
+  };
+  start();
+  pass();
+  EXPECT_TRUE(reader_->cut_short());
+}
+
+TEST_F(ReaderTest, PassThatFailsByItselfIsNotCutShort) {
+  installer_.at_call = [] { throw ORLO::UserException("off"); };
+  start();
+  pass();
+  EXPECT_FALSE(reader_->cut_short());
 }
 
 TEST_F(ReaderTest, RefreshInAnySourceLeavesAWholePassBehindIt) {

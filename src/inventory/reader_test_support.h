@@ -10,8 +10,20 @@
 /// A system of version 6 with nothing installed but what the registry says.
 struct MemorySystem {
   UninstallReader::Services over(Registry& registry, bool under_wow64 = true) {
-    return {registry, files,   ORLO::system_clock(), installer, wmi,
-            accounts, version, under_wow64,          [] {}};
+    return over(registry, installer, wmi, under_wow64);
+  }
+  /// With others in the place of two of them.
+  UninstallReader::Services over(Registry& registry, Installer& other_installer, Wmi& other_wmi,
+                                 bool under_wow64 = true) {
+    return {.registry = registry,
+            .files = files,
+            .clock = ORLO::system_clock(),
+            .installer = other_installer,
+            .wmi = other_wmi,
+            .accounts = accounts,
+            .version = version,
+            .under_wow64 = under_wow64,
+            .apply_thread_language = [] {}};
   }
 
   MemoryFiles files;

@@ -120,14 +120,31 @@ int scripted_wait(ORLO::Waitable* const* items, size_t count, uint32_t timeout) 
   return ORLO::wait_with_messages(items, count, timeout);
 }
 
+/// Knows nothing, and takes its time over it.
+class SlowWmi : public Wmi {
+ public:
+  std::unique_ptr<WmiQuery> connect() override {
+    reached.set();
+    ORLO::wait_for(go, kLong);
+    return nothing_.connect();
+  }
+  ORLO::Event reached, go;
+
+ private:
+  MemoryWmi nothing_;
+};
+
 class RefreshCycleTest : public testing::Test {
  protected:
   ~RefreshCycleTest() override { at_wait = {}; }
   void start(bool under_wow64 = true) { start(registry_, under_wow64); }
   void start(Registry& registry, bool under_wow64 = true,
              UninstallReader::TellChange tell_change = {}) {
-    reader_ = std::make_unique<UninstallReader>(system_.over(registry, under_wow64),
-                                                std::move(tell_change));
+    start(system_.over(registry, under_wow64), std::move(tell_change));
+  }
+  void start(const UninstallReader::Services& services,
+             UninstallReader::TellChange tell_change = {}) {
+    reader_ = std::make_unique<UninstallReader>(services, std::move(tell_change));
     cycle_ =
         std::make_unique<RefreshCycle>(RefreshCycle::Parts{*reader_, current_, history_, list_lock_,
                                                            view_, frame_, ORLO::system_clock()},
@@ -1020,6 +1037,59 @@ TEST_F(RefreshCycleTest, PassThatIsCutShortBringsNothingAndMovesNoBaseline) {
   EXPECT_EQ(frame_.histories, 0);
   EXPECT_EQ(current_.size(), 0u);
   reader_.reset();
+}
+
+TEST_F(RefreshCycleTest, CloseInALaterPassKeepsTheBaselineOfTheOneBefore) {
+  registry_.create(kUser + kUninstall + "a");
+  bool closing = false;
+  HookedRegistry hooked(registry_, [&](const std::string& operation, uint32_t) {
+    if (closing && operation == "subkey_at") {
+      cycle_->end();
+      reader_->stop(ORLO::ActiveObject::WaitMode::none);
+    }
+  });
+  start(hooked);
+  run();
+  registry_.create(kUser + kUninstall + "b");
+  closing = true;
+  EXPECT_EQ(run(), Log{"clear marks"});
+  EXPECT_EQ(frame_.histories, 1);
+  EXPECT_EQ(history_.lastEntries.size(), 1u);
+  reader_.reset();
+}
+
+TEST_F(RefreshCycleTest, WaitThatEndsInMidPassDoesNotTakeAClosingPassForCutShort) {
+  registry_.create(kUser + kUninstall + "a");
+  SlowWmi wmi;
+  start(system_.over(registry_, system_.installer, wmi));
+  // As when the close ends a box with a wait of its own: the pass is in its last source by then.
+  int waits = 0;
+  at_wait = [&] {
+    if (++waits > 1) return 0;
+    ORLO::wait_for(wmi.reached, kLong);
+    reader_->stop(ORLO::ActiveObject::WaitMode::none);
+    cycle_->end();
+    wmi.go.set();
+    return ORLO::kWaitOvertaken;
+  };
+  run();
+  EXPECT_EQ(frame_.histories, 1);
+  EXPECT_EQ(current_.size(), 1u);
+  reader_.reset();
+}
+
+TEST_F(RefreshCycleTest, CalmCycleTouchesNoRowOfAnySource) {
+  const std::string product = "{12345678-ABCD-EF01-2345-6789ABCDEF01}";
+  registry_.create(kUser + kUninstall + product);
+  system_.installer.add(product).features.emplace_back("Main", "");
+  system_.installer.add("{22345678-ABCD-EF01-2345-6789ABCDEF01}");
+  registry_.set_text(kMachine32 + "Microsoft\\Updates\\KB1", "PackageName", u"Update 1");
+  start();
+  run();
+  EXPECT_EQ(current_.size(), 2u);
+  const int histories = frame_.histories;
+  EXPECT_EQ(run(), Log{"clear marks"});
+  EXPECT_EQ(frame_.histories, histories);
 }
 
 TEST_F(RefreshCycleTest, AbandonedCycleMovesNoBaseline) {
