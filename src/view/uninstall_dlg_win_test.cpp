@@ -146,6 +146,10 @@ TEST_F(UninstallDlgTest, ColourCommandHasTheListsGroundErasedToo) {
   EXPECT_EQ(DrawingWatch::erasures, 1);
 }
 
+TEST_F(UninstallDlgTest, GivesTheInstallerItsWindowAsOwner) {
+  EXPECT_EQ(system.installer.ui_owner(), window);
+}
+
 TEST_F(UninstallDlgTest, APackageThatComesIsYellowUntilTheNextPass) {
   add("Cedar", u"Cedar", u"20260109");
   SendMessageA(window, WM_APP, 0, 0);
