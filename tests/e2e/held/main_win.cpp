@@ -5,6 +5,7 @@
 //   start        the main thread opens its first key
 //   sourceN      the reader begins with the Nth Uninstall key it reads, counted over all passes
 //   productN     the reader asks the installer for its first product, counted likewise
+//   servicingN   the reader opens the key of the servicing packages, counted likewise
 //   wmiN         the reader connects to WMI or sends it a query, both counted, likewise
 //   hand-over    the main thread reads the first date of a row
 //   iconN        the icons' thread is about to extract the Nth icon, counted likewise
@@ -17,6 +18,7 @@
 // beginning of a pass: handles, registry keys.
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <optional>
 #include <set>
@@ -89,6 +91,13 @@ class HeldRegistry : public HookedRegistry {
  public:
   HeldRegistry(Points& points, Registry& behind, Hook hook)
       : HookedRegistry(behind, std::move(hook)), points_(points) {}
+  RegStatus open(int32_t root, const char* path, uint32_t access, RegistryKey& key) override {
+    if (std::strstr(path, "Component Based Servicing") != nullptr) {
+      points_.reach("servicing" + std::to_string(++servicing_));
+    }
+    return HookedRegistry::open(root, path, access, key);
+  }
+  using HookedRegistry::open;
   RegStatus notify(const RegistryKey& key, bool subtree, uint32_t filter,
                    ORLO::Event& event) override {
     points_.reach("watch");
@@ -97,6 +106,7 @@ class HeldRegistry : public HookedRegistry {
 
  private:
   Points& points_;
+  int servicing_ = 0;  ///< the reader's
 };
 
 class HeldExtractor : public IconExtractor {
