@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
+
+#include "orlo/ascii.h"
 
 namespace {
 
@@ -13,14 +16,6 @@ constexpr size_t kLongestName = size_t{16383} * 3;
 // large and mostly not asked for.
 constexpr uint32_t kMostValues = 22;
 constexpr uint32_t kLargestValue = 64U * 1024U;
-
-char fold(char c) noexcept {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
-}
-
-bool same_name(const char* a, const char* b, size_t length) noexcept {
-  return std::equal(a, a + length, b, [](char x, char y) { return fold(x) == fold(y); });
-}
 
 void grow(std::vector<char>& buffer, size_t size) {
   if (buffer.size() < size) buffer.resize(size);
@@ -79,11 +74,10 @@ bool ValueSet::read_one(const RegistryKey& key, uint32_t index) {
 bool ValueSet::find(const char* name, const Value*& found) const {
   found = nullptr;
   if (!walked_) return false;
-  const size_t length = std::strlen(name);
+  const std::string_view wanted(name);
   for (const Value& value : values_) {
-    if (value.name_length != length || !same_name(bytes_.data() + value.name, name, length)) {
-      continue;
-    }
+    const std::string_view stored(bytes_.data() + value.name, value.name_length);
+    if (!ORLO::equal_nocase(stored, wanted)) continue;
     // One of the two only looks like the name, in the code page.
     if (found != nullptr) return false;
     found = &value;

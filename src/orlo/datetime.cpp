@@ -4,6 +4,7 @@
 #include <cstring>
 #include <iterator>
 
+#include "orlo/ascii.h"
 #include "orlo/scan.h"
 
 namespace ORLO {
@@ -19,14 +20,11 @@ bool is_space(char c) noexcept {
 bool is_digit(char c) noexcept {
   return c >= '0' && c <= '9';
 }
-char lower(char c) noexcept {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
 
 /// Compares up to `length` characters without regard to the case of ASCII letters.
 bool same_letters(const char* a, const char* b, size_t length) noexcept {
   for (size_t i = 0; i < length; ++i) {
-    if (lower(a[i]) != lower(b[i])) return false;
+    if (ascii_lower(a[i]) != ascii_lower(b[i])) return false;
     if (a[i] == '\0') return true;
   }
   return true;

@@ -4,18 +4,16 @@
 #include <array>
 #include <cstring>
 
+#include "orlo/ascii.h"
+
 namespace ORLO {
 namespace {
 
-// The runtime's case folding in its "C" locale: no letter beyond ASCII has a case.
-constexpr char folded(char c) noexcept {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
+// The runtime's case folding in its "C" locale is that of ASCII.
 constexpr std::array<char, 256> make_folded_characters() {
   std::array<char, 256> table{};
   for (size_t code = 0; code < table.size(); ++code)
-    table[code] = folded(static_cast<char>(code));
+    table[code] = ascii_lower(static_cast<char>(code));
   return table;
 }
 
@@ -30,7 +28,7 @@ struct Folded {
 
 void fold(String& text) {
   char* const first = text.writable();
-  std::transform(first, first + text.length(), first, folded);
+  std::transform(first, first + text.length(), first, [](char c) { return ascii_lower(c); });
 }
 
 /// The first place from `text` on where the character `wanted` stands, or the end.

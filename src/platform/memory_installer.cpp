@@ -4,6 +4,7 @@
 #include <cstring>
 #include <set>
 
+#include "orlo/ascii.h"
 #include "platform/reg_text.h"
 #include "platform/utf16.h"
 
@@ -16,15 +17,6 @@ constexpr size_t kPackedPlaces[kPackedLength] = {7,  6,  5,  4,  3,  2,  1,  0, 
                                                  8,  15, 14, 13, 12, 17, 16, 19, 18, 21, 20,
                                                  23, 22, 25, 24, 27, 26, 29, 28, 31, 30};
 constexpr size_t kDashes[] = {8, 13, 18, 23};
-
-char to_lower(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool same_code(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char x, char y) { return to_lower(x) == to_lower(y); });
-}
 
 std::string reordered(std::string_view digits) {
   std::string result;
@@ -139,9 +131,9 @@ InstallerStatus MemoryInstaller::enter(const std::string& call) {
 }
 
 const MemoryInstaller::Product* MemoryInstaller::product(std::string_view code) const {
-  const auto found =
-      std::find_if(products_.begin(), products_.end(),
-                   [code](const Product& product) { return same_code(product.code, code); });
+  const auto found = std::find_if(
+      products_.begin(), products_.end(),
+      [code](const Product& product) { return ORLO::equal_nocase(product.code, code); });
   return found != products_.end() ? &*found : nullptr;
 }
 

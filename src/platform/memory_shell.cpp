@@ -3,14 +3,13 @@
 #include <algorithm>
 #include <utility>
 
+#include "orlo/ascii.h"
+
 namespace {
 
-char to_lower(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 std::string lower(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(), to_lower);
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](char c) { return ORLO::ascii_lower(c); });
   return text;
 }
 

@@ -18,8 +18,8 @@ constexpr size_t kFirstCapacity = 2048;
 constexpr char kLatinLead = '\xC3';
 
 bool is_name_byte(char c) noexcept {
-  return (lower(c) >= 'a' && lower(c) <= 'z') || is_digit(c) || c == '.' || c == '-' || c == '_' ||
-         c == ':';
+  return (ORLO::ascii_lower(c) >= 'a' && ORLO::ascii_lower(c) <= 'z') || is_digit(c) || c == '.' ||
+         c == '-' || c == '_' || c == ':';
 }
 
 const char* text_or_null(const TL_String& text) noexcept {

@@ -3,6 +3,8 @@
 
 #include <string_view>
 
+#include "orlo/ascii.h"
+
 namespace Trellis {
 
 inline bool is_space(char c) noexcept {
@@ -13,15 +15,11 @@ inline bool is_digit(char c) noexcept {
   return c >= '0' && c <= '9';
 }
 
-inline char lower(char c) noexcept {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 /// Whether `text` begins with `start`, which is in lower case, without regard to case.
 inline bool starts_with_nocase(std::string_view text, std::string_view start) noexcept {
   if (text.size() < start.size()) return false;
   for (size_t i = 0; i < start.size(); ++i) {
-    if (lower(text[i]) != start[i]) return false;
+    if (ORLO::ascii_lower(text[i]) != start[i]) return false;
   }
   return true;
 }
