@@ -1,17 +1,11 @@
 #include "inventory/reader_rows.h"
 
+#include "orlo/ascii.h"
+
+using ORLO::ascii_lower;
 using ORLO::Lock;
 
 namespace {
-
-String lower_case(const String& text) {
-  String lower = text;
-  char* const letters = lower.writable();
-  for (size_t i = 0; i < lower.length(); ++i) {
-    if (letters[i] >= 'A' && letters[i] <= 'Z') letters[i] = static_cast<char>(letters[i] + 32);
-  }
-  return lower;
-}
 
 const String& name_of(const Row& row) {
   return cell(row, PackageColumn::name).text;
@@ -32,21 +26,27 @@ void ReaderRows::add(const Row& row) {
 }
 
 void ReaderRows::set_row(const RowKey& key, const Row& row) {
-  const auto stored = table_.rows.find(key);
-  const bool is_new = stored == table_.rows.end();
-  if (is_new || compare_bytes(name_of(stored->second), name_of(row)) != 0) {
-    if (!is_new) names_.erase({lower_case(name_of(stored->second)), key});
-    names_.insert({lower_case(name_of(row)), key});
-  }
-  table_.addRow(row);
   changed_ = true;
+  const auto stored = table_.rows.find(key);
+  auto old_name = names_.end();
+  if (stored != table_.rows.end()) {
+    if (compare_bytes(name_of(stored->second), name_of(row)) == 0) return table_.addRow(row);
+    old_name = names_.find({ascii_lower(name_of(stored->second)), key});
+  }
+  // Each row has its name among names_ at every step, so that none gets lost where memory is short.
+  const auto new_name = names_.insert({ascii_lower(name_of(row)), key}).first;
+  table_.addRow(row);
+  if (old_name != names_.end() && old_name != new_name) names_.erase(old_name);
 }
 
 Table::Rows::const_iterator ReaderRows::find_row(const String& name) const {
-  const String lower = lower_case(name);
-  const auto named = names_.lower_bound({lower, RowKey()});
-  if (named == names_.end() || compare_bytes(named->first, lower) != 0) return table_.rows.end();
-  return table_.rows.find(named->second);
+  const String lower = ascii_lower(name);
+  for (auto named = names_.lower_bound({lower, RowKey()});
+       named != names_.end() && compare_bytes(named->first, lower) == 0; ++named) {
+    const auto row = table_.rows.find(named->second);
+    if (row != table_.rows.end() && ORLO::equal_nocase(name_of(row->second), lower)) return row;
+  }
+  return table_.rows.end();
 }
 
 std::optional<Row> ReaderRows::find(const String& name) const {
@@ -82,13 +82,13 @@ std::set<RowKey> ReaderRows::keys() const {
 void ReaderRows::erase(const std::set<RowKey>& keys) {
   if (keys.empty()) return;
   const Lock hold(lock_);
+  changed_ = true;
   for (const RowKey& key : keys) {
     const auto row = table_.rows.find(key);
     if (row == table_.rows.end()) continue;
-    names_.erase({lower_case(name_of(row->second)), key});
+    names_.erase({ascii_lower(name_of(row->second)), key});
     table_.erase(key);
   }
-  changed_ = true;
 }
 
 void ReaderRows::clear() {
@@ -99,8 +99,9 @@ void ReaderRows::clear() {
 
 std::unique_ptr<Table> ReaderRows::hand_over(Table& current) {
   const Lock hold(lock_);
-  if (!changed_.exchange(false)) return nullptr;
+  if (!changed_) return nullptr;
   auto difference = std::make_unique<Table>(table_, current);
   if (difference->size() != 0) current.assign(table_);
+  changed_ = false;
   return difference;
 }

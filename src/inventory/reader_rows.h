@@ -21,8 +21,8 @@ class ReaderRows {
   /// A copy of the first row, in key order, with this name; the case of ASCII letters is ignored.
   std::optional<Row> find(const String& name) const;
   bool has(const String& name) const;
-  /// Puts back what find() gave, with other cells changed than those of key and name. False, and
-  /// nothing happens, if the row has gone meanwhile.
+  /// Replaces the row by a changed copy that find() gave; its key and name must be unchanged.
+  /// False, and nothing happens, if the row has gone meanwhile.
   bool put_back(const Row& row);
 
   std::set<RowKey> keys() const;
@@ -48,6 +48,6 @@ class ReaderRows {
 
   mutable ORLO::CriticalSection lock_;
   Table table_;
-  std::set<NamedKey, NameOrder> names_;  ///< one for each row of the table
+  std::set<NamedKey, NameOrder> names_;  ///< those of all rows; after a failed add() of others, too
   std::atomic<bool> changed_{false};     ///< written under the lock, read without
 };

@@ -37,6 +37,10 @@ TEST(ReaderRows, FindsARowByItsNameInAnyAsciiCase) {
   rows.add(make_row("\xC4", "1", "umlaut"));
   EXPECT_TRUE(rows.has("\xC4"));
   EXPECT_FALSE(rows.has("\xE4")) << "only the case of ASCII letters is ignored";
+  rows.add(make_row("{AZ}", "1", "upper"));
+  EXPECT_TRUE(rows.has("{az}"));
+  rows.add(make_row("{az} of another", "1", "lower"));
+  EXPECT_TRUE(rows.has("{AZ} OF ANOTHER"));
 }
 
 TEST(ReaderRows, FindsTheFirstRowOfANameInTheOrderOfKeys) {
@@ -80,6 +84,15 @@ TEST(ReaderRows, FindsNothingOnceCleared) {
   EXPECT_TRUE(rows.keys().empty());
 }
 
+TEST(ReaderRows, FindsNoNameOfBeforeItWasCleared) {
+  ReaderRows rows;
+  rows.add(make_row("a"));
+  rows.clear();
+  rows.add(make_row("b"));
+  EXPECT_FALSE(rows.has("a"));
+  EXPECT_TRUE(rows.has("b"));
+}
+
 TEST(ReaderRows, PutsBackARowThatIsStillThere) {
   ReaderRows rows;
   rows.add(make_row("a", "1", "a"));
@@ -115,7 +128,10 @@ TEST(ReaderRows, HandsOverWhatDiffersOnce) {
   EXPECT_EQ(current.size(), 1u);
   EXPECT_EQ(rows.hand_over(current), nullptr);
   rows.erase({RowKey{{"1", "a"}}});
-  EXPECT_EQ(rows.hand_over(current)->rows.begin()->second.marker, Row::kRemoved);
+  const auto removal = rows.hand_over(current);
+  ASSERT_NE(removal, nullptr);
+  ASSERT_EQ(removal->size(), 1u);
+  EXPECT_EQ(removal->rows.begin()->second.marker, Row::kRemoved);
   EXPECT_EQ(current.size(), 0u);
 }
 
