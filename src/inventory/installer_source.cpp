@@ -13,7 +13,8 @@ void InstallerSource::ReadMsiProducts(ReaderRows& rows, std::set<RowKey>& unseen
   InstallerName code = "";
   for (uint32_t index = 0; services_.installer.product_at(index, code) != kInstallerNoMoreItems;
        ++index) {
-    // After a failure the code is the one before it: that product is read once more.
+    // After a failure the code is what the call has left: mostly the one before it, whose product
+    // is read once more.
     read_product(String(code), product_patches, rows, unseenKeys, deliver);
   }
 }

@@ -26,5 +26,5 @@ class InstallerSource {
   Registry& registry_;
   const ProductServices services_;
   void* const window_;
-  void* ui_owner_ = nullptr;  ///< the installer keeps its address and writes to it
+  void* ui_owner_ = nullptr;  ///< for set_internal_ui(), which may write to it at any time
 };

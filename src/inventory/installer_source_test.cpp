@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdint>
 #include <iterator>
 #include <string>
 #include <thread>
@@ -9,6 +10,7 @@
 
 #include "inventory/hooked_registry_test_support.h"
 #include "inventory/installer_bed_test_support.h"
+#include "platform/hooked_files_test_support.h"
 #include "platform/hooked_installer_test_support.h"
 
 namespace {
@@ -192,6 +194,39 @@ TEST_F(InstallerSourceTest, HidesTheInstallersWindowsInEachPass) {
   }
 }
 
+/// Keeps the address of the owner's variable, as the system may.
+class KeepingInstaller final : public MemoryInstaller {
+ public:
+  void set_internal_ui(uint32_t, void** owner) override {
+    owner_ = owner;
+    given_.push_back(*owner);
+  }
+  void** owner() const { return owner_; }
+  const std::vector<void*>& given() const { return given_; }
+
+ private:
+  void** owner_ = nullptr;
+  std::vector<void*> given_;
+};
+
+TEST_F(InstallerSourceTest, LetsTheSystemWriteAnOwnerAtAnyTime) {
+  KeepingInstaller installer;
+  InstallerSource source(registry_, {installer, files_, clock_}, &window_);
+  const RowSink nowhere = [](const Row&) {};
+  source.ReadMsiProducts(rows_, unseen_, nowhere);
+  void** const owner = installer.owner();
+  const auto begin = reinterpret_cast<uintptr_t>(&source);
+  const auto address = reinterpret_cast<uintptr_t>(owner);
+  ASSERT_TRUE(address >= begin && address < begin + sizeof source) << "it lives as the source does";
+  EXPECT_EQ(*owner, &window_);
+  int another = 0;
+  *owner = &another;
+  source.ReadMsiProducts(rows_, unseen_, nowhere);
+  EXPECT_EQ(installer.owner(), owner);
+  EXPECT_EQ(*owner, &window_);
+  EXPECT_EQ(installer.given(), (std::vector<void*>{&window_, &window_}));
+}
+
 TEST_F(InstallerSourceTest, ReadsThePatchesOnceForAllProducts) {
   add(kProduct, "A name");
   add(kOther, "Another");
@@ -224,6 +259,16 @@ TEST_F(InstallerSourceTest, ReadsTheProductBeforeAFailureOnceMore) {
   const std::vector<std::string>& calls = installer_.calls();
   const std::string first_call = std::string("feature_at ") + kProduct + " 0";
   EXPECT_EQ(std::count(calls.begin(), calls.end(), first_call), 2);
+}
+
+TEST_F(InstallerSourceTest, ReadsTheProductThatAFailureLeaves) {
+  add(kProduct, "A name");
+  installer_.add("gap");
+  add(kOther, "Another");
+  installer_.fail("product_at 1", kInstallerBadConfiguration);
+  installer_.leave_after_failure("left");
+  read();
+  EXPECT_EQ(names(), (std::vector<std::string>{kProduct, "left", kOther}));
 }
 
 TEST_F(InstallerSourceTest, GoesOnAfterAProductThatFails) {
@@ -312,6 +357,7 @@ class RefreshInMidPass : public InstallerSourceTest {
     }
     registry_.create(patch_key("P1"));
     files_.add_file("C:\\there.ico");
+    files_.set_variable("here", "C:");
   }
 
   static std::string code(int number) { return "{" + std::to_string(number) + "}"; }
@@ -320,7 +366,7 @@ class RefreshInMidPass : public InstallerSourceTest {
     rows_.clear();
     for (int i = 0; i < kProducts - 1; ++i) {
       Row row = uninstall_row(code(i), code(i));
-      cell(row, Field::displayIcon).text = "C:\\there.ico";
+      cell(row, Field::displayIcon).text = "%here%\\there.ico";
       rows_.add(row);
     }
   }
@@ -335,11 +381,12 @@ class RefreshInMidPass : public InstallerSourceTest {
       EXPECT_EQ(text_of(row, Field::features), "1");
     }
   }
-  /// Makes a pass that calls `hook` before each call of a seam.
+  /// Makes a pass that calls `hook` before each call of the registry, the installer or the files.
   void pass(const std::function<void()>& hook) {
     HookedRegistry registry(registry_, [&hook](const std::string&, uint32_t) { hook(); });
     HookedInstaller installer(installer_, hook);
-    read_through(registry, installer, files_);
+    HookedFiles files(files_, hook);
+    read_through(registry, installer, files);
     EXPECT_EQ(registry.open_keys(), 0);
   }
 };
@@ -349,6 +396,8 @@ TEST_F(RefreshInMidPass, LeavesNoRowBehindAtWhicheverCallItComes) {
   fill_rows();
   pass([&calls] { ++calls; });
   ASSERT_GT(calls, 30);
+  // Of the two rows with an icon: its variable expanded, its file opened.
+  EXPECT_EQ(std::count(files_.calls().begin(), files_.calls().end(), "can_open C:\\there.ico"), 2);
   EXPECT_EQ(rows_.keys().size(), size_t{kProducts});
   for (int at = 0; at < calls; ++at) {
     SCOPED_TRACE(at);
@@ -393,6 +442,11 @@ TEST_F(RefreshInMidPass, MayComeFromAnotherThread) {
   }
   done = true;
   refresher.join();
+  fill_rows();
+  pass([] {});
+  EXPECT_EQ(rows_.keys().size(), size_t{kProducts});
+  for (int i = 0; i < kProducts; ++i)
+    EXPECT_EQ(found(code(i).c_str(), Field::displayName), "new name") << i;
 }
 
 }  // namespace

@@ -26,14 +26,17 @@ using InstallerName = char[kInstallerNameRoom];
 /// Room for a property's value, likewise.
 inline constexpr size_t kInstallerValueRoom = 1024;
 
+/// Belongs to one thread at a time.
 class Installer {
  public:
   virtual ~Installer() = default;
-  /// MsiSetInternalUI: `owner` is the address of a window's handle (HWND), into which the system
-  /// writes the former owner's. It must live until the next call.
+  /// MsiSetInternalUI: `*owner` is a window's handle (HWND); the system writes the former owner's
+  /// over it. The variable must live while the installer is in use: nothing says that the system
+  /// doesn't keep its address and write there later.
   virtual void set_internal_ui(uint32_t level, void** owner) = 0;
-  /// MsiEnumProductsA. On failure `code` is left as it was. A failure that comes the hundredth time
-  /// in a row is told as kInstallerNoMoreItems (see EnumerationEnd).
+  /// MsiEnumProductsA. `code` goes in as it is, and what the system leaves there comes out, with a
+  /// terminator, after a failure too: mostly that is what went in. A failure that comes the
+  /// hundredth time in a row is told as kInstallerNoMoreItems (see EnumerationEnd).
   virtual InstallerStatus product_at(uint32_t index, InstallerName& code) = 0;
   /// MsiEnumFeaturesA. Both names are empty where the system writes none.
   virtual InstallerStatus feature_at(const char* product, uint32_t index, InstallerName& feature,

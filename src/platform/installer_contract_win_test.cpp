@@ -6,6 +6,7 @@
 
 #include <cstring>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 #include "orlo/owned_handle.h"
@@ -20,7 +21,8 @@ class SystemInstallerBed final : public InstallerBed {
   SystemInstallerBed() : installer_(make_system_installer()) {}
   ~SystemInstallerBed() override {
     // The next one begins without an owner.
-    void* none = nullptr;
+    static void* none;
+    none = nullptr;
     installer_->set_internal_ui(kInstallerUiNone, &none);
   }
 
@@ -45,9 +47,16 @@ UINT WINAPI bad_configuration(DWORD, LPSTR code) {
   std::memcpy(code, "junk", 5);
   return ERROR_BAD_CONFIGURATION;
 }
-UINT WINAPI endless_code(DWORD, LPSTR code) {
+UINT WINAPI silent_failure(DWORD, LPSTR) {
+  return ERROR_BAD_CONFIGURATION;
+}
+UINT WINAPI appended_code(DWORD, LPSTR code) {
+  std::strcat(code, " and more");
+  return ERROR_BAD_CONFIGURATION;
+}
+UINT WINAPI endless_code(DWORD index, LPSTR code) {
   std::memset(code, 'x', kInstallerNameRoom);
-  return ERROR_SUCCESS;
+  return index == 0 ? ERROR_SUCCESS : ERROR_BAD_CONFIGURATION;
 }
 UINT WINAPI endless_feature(LPCSTR, DWORD, LPSTR feature, LPSTR parent) {
   std::memset(feature, 'f', kInstallerNameRoom);
@@ -62,6 +71,22 @@ UINT WINAPI endless_value(LPCSTR, LPCSTR, LPSTR value, DWORD* length) {
   return ERROR_SUCCESS;
 }
 UINT WINAPI silent_value(LPCSTR, LPCSTR, LPSTR, DWORD*) {
+  return ERROR_SUCCESS;
+}
+
+/// What the last MsiSetInternalUI was given.
+struct UiCall {
+  INSTALLUILEVEL level;
+  HWND* owner;
+};
+UiCall last_ui_call;
+INSTALLUILEVEL WINAPI record_ui(INSTALLUILEVEL level, HWND* owner) {
+  last_ui_call = {level, owner};
+  return INSTALLUILEVEL_DEFAULT;
+}
+/// Gives the room that it was given as the value.
+UINT WINAPI room_of_value(LPCSTR, LPCSTR, LPSTR value, DWORD* length) {
+  std::strcpy(value, std::to_string(*length).c_str());
   return ERROR_SUCCESS;
 }
 
@@ -117,12 +142,44 @@ TEST_F(OddInstaller, HasNothingWithoutTheModule) {
   EXPECT_FALSE(installer_->product_info("p", "ProductName").has_value());
 }
 
+TEST_F(OddInstaller, HandsTheSystemTheLevelAndTheAddressOfTheOwner) {
+  functions_.set("MsiSetInternalUI", &record_ui);
+  last_ui_call = {};
+  void* owner = this;
+  installer_->set_internal_ui(kInstallerUiNone, &owner);
+  EXPECT_EQ(last_ui_call.level, 2);
+  EXPECT_EQ(static_cast<void*>(last_ui_call.owner), static_cast<void*>(&owner));
+  EXPECT_EQ(owner, this);
+}
+
+TEST_F(OddInstaller, HasRoomFor1024CharactersOfAProperty) {
+  functions_.set("MsiGetProductInfoA", &room_of_value);
+  EXPECT_STREQ(installer_->product_info("p", "ProductName").value_or("-").c_str(), "1024");
+}
+
 TEST_F(OddInstaller, EndsAnEnumerationThatOnlyFails) {
   functions_.set("MsiEnumProductsA", &bad_configuration);
   for (uint32_t index = 0; index < 99; ++index)
     ASSERT_EQ(installer_->product_at(index, name_), kInstallerBadConfiguration) << index;
   EXPECT_EQ(installer_->product_at(99, name_), kInstallerNoMoreItems);
+}
+
+TEST_F(OddInstaller, GivesTheCodeThatAFailureLeaves) {
+  functions_.set("MsiEnumProductsA", &bad_configuration);
+  EXPECT_EQ(installer_->product_at(0, name_), kInstallerBadConfiguration);
+  EXPECT_STREQ(name_, "junk");
+}
+
+TEST_F(OddInstaller, KeepsTheCodeThatAFailureDoesNotTouch) {
+  functions_.set("MsiEnumProductsA", &silent_failure);
+  EXPECT_EQ(installer_->product_at(0, name_), kInstallerBadConfiguration);
   EXPECT_STREQ(name_, "kept");
+}
+
+TEST_F(OddInstaller, ShowsTheCallTheCodeOfBefore) {
+  functions_.set("MsiEnumProductsA", &appended_code);
+  EXPECT_EQ(installer_->product_at(0, name_), kInstallerBadConfiguration);
+  EXPECT_STREQ(name_, "kept and more");
 }
 
 TEST_F(OddInstaller, EndsNamesThatHaveNoEnd) {
@@ -130,6 +187,8 @@ TEST_F(OddInstaller, EndsNamesThatHaveNoEnd) {
   functions_.set("MsiEnumFeaturesA", &endless_feature);
   functions_.set("MsiGetProductInfoA", &endless_value);
   EXPECT_EQ(installer_->product_at(0, name_), kInstallerSuccess);
+  EXPECT_EQ(name_, std::string(38, 'x'));
+  EXPECT_EQ(installer_->product_at(1, name_), kInstallerBadConfiguration);
   EXPECT_EQ(name_, std::string(38, 'x'));
   EXPECT_EQ(installer_->feature_at("p", 0, name_, parent_), kInstallerSuccess);
   EXPECT_EQ(name_, std::string(38, 'f'));

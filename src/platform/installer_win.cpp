@@ -5,7 +5,7 @@
 #include <msi.h>
 
 #include <algorithm>
-#include <cstring>
+#include <iterator>
 
 #include "platform/enumeration_end.h"
 #include "platform/system_installer.h"
@@ -55,12 +55,9 @@ class SystemInstaller final : public Installer {
 
   InstallerStatus product_at(uint32_t index, InstallerName& code) override {
     if (msi().enum_products == nullptr) return kInstallerNoMoreItems;
-    InstallerName found;
-    clear(found);
-    const InstallerStatus status = end_.judge(index, msi().enum_products(index, found));
-    terminate(found);
-    if (status == kInstallerSuccess) std::memcpy(code, found, sizeof found);
-    return status;
+    const InstallerStatus status = msi().enum_products(index, code);
+    terminate(code);
+    return end_.judge(index, status);
   }
 
   InstallerStatus feature_at(const char* product, uint32_t index, InstallerName& feature,

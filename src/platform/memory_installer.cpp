@@ -147,8 +147,12 @@ InstallerStatus MemoryInstaller::product_at(uint32_t index, InstallerName& code)
 }
 
 InstallerStatus MemoryInstaller::find_product(uint32_t index, InstallerName& code) {
+  code[kInstallerNameRoom - 1] = '\0';
   const InstallerStatus status = enter("product_at " + std::to_string(index));
-  if (status != kInstallerSuccess) return status;
+  if (status != kInstallerSuccess) {
+    if (left_code_) copy(left_code_->substr(0, kInstallerNameRoom - 1), code);
+    return status;
+  }
   if (index >= products_.size()) return kInstallerNoMoreItems;
   return copy(products_[index].code, code) ? kInstallerSuccess : kInstallerMoreData;
 }

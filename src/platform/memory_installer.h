@@ -3,6 +3,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -30,6 +31,9 @@ class MemoryInstaller : public Installer {
   /// The next `times` calls that read `call` in calls() answer `status`; times -1 is for ever. A
   /// bare operation ("product_at", "feature_at", "product_info") stands for all its calls.
   void fail(const std::string& call, InstallerStatus status, int times = 1);
+  /// From now on a product_at() that fails on demand leaves this text, cut to what there is room
+  /// for, as its code.
+  void leave_after_failure(const std::string& code) { left_code_ = code; }
   /// The calls so far: "product_at 0", "feature_at {CODE} 0", "product_info {CODE} LocalPackage",
   /// "set_internal_ui 2".
   const std::vector<std::string>& calls() const noexcept { return calls_; }
@@ -58,6 +62,7 @@ class MemoryInstaller : public Installer {
   std::vector<Product> products_;
   std::vector<Failure> failures_;
   std::vector<std::string> calls_;
+  std::optional<std::string> left_code_;
   EnumerationEnd end_;
   void* ui_owner_ = nullptr;
 };

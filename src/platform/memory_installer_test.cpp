@@ -57,6 +57,23 @@ TEST(MemoryInstaller, FailsOneCallOrAllOfAnOperation) {
   EXPECT_EQ(installer.product_at(0, code), kInstallerSuccess);
 }
 
+TEST(MemoryInstaller, LeavesACodeAfterAFailureOnDemand) {
+  MemoryInstaller installer;
+  installer.add("p");
+  installer.fail("product_at", kInstallerBadConfiguration, 2);
+  installer.leave_after_failure("left");
+  InstallerName code = "kept";
+  EXPECT_EQ(installer.product_at(0, code), kInstallerBadConfiguration);
+  EXPECT_STREQ(code, "left");
+  installer.leave_after_failure(std::string(50, 'x'));
+  EXPECT_EQ(installer.product_at(0, code), kInstallerBadConfiguration);
+  EXPECT_EQ(code, std::string(38, 'x'));
+  EXPECT_EQ(installer.product_at(0, code), kInstallerSuccess);
+  EXPECT_STREQ(code, "p");
+  EXPECT_EQ(installer.product_at(1, code), kInstallerNoMoreItems);
+  EXPECT_STREQ(code, "p") << "the end is no failure";
+}
+
 TEST(MemoryInstaller, EndsAnEnumerationThatOnlyFails) {
   MemoryInstaller installer;
   installer.fail("product_at", kInstallerBadConfiguration, -1);
