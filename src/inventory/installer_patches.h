@@ -27,7 +27,6 @@ using ProductPatchMap = std::map<String, PatchSet, ByteOrder>;
 String PackProductCode(const String& code);
 
 /// Reads all patches of all products, for every user. Clears `patchMap` first and adds to
-/// `productPatchMap`. The status of opening the root key; both maps are left without patches where
-/// that fails.
+/// `productPatchMap`. The status of opening the root key; nothing is added where that fails.
 RegStatus LoadInstallerPatches(Registry& registry, PatchMap& patchMap,
                                ProductPatchMap& productPatchMap);

@@ -1,8 +1,10 @@
 #include "inventory/installer_patches.h"
 
+#include <set>
 #include <string>
 #include <vector>
 
+#include "inventory/hooked_registry_test_support.h"
 #include "inventory/installer_bed_test_support.h"
 
 namespace {
@@ -67,7 +69,7 @@ class InstallerPatches : public InstallerBedTest {
                              info.state, info.uninstallable)
         .c_str();
   }
-  /// Patches of a product, each with a comma behind it; "-" if there is no such product.
+  /// Patches of a product, each with a comma after it; "-" if there is no such product.
   std::string patches_of(const char* product) const {
     const auto found = products_.find(product);
     if (found == products_.end()) return "-";
@@ -283,11 +285,30 @@ TEST_F(InstallerPatches, OfTenThousandKeysWithValuesOfWrongTypeAndSizeAreAllRead
   EXPECT_EQ(patch("100000"), "ab||a|0|0");
 }
 
+/// Notes how much room there is for the names of subkeys.
+class RoomRegistry final : public HookedRegistry {
+ public:
+  explicit RoomRegistry(Registry& behind)
+      : HookedRegistry(behind, [](const std::string&, uint32_t) {}) {}
+  const std::set<uint32_t>& rooms() const { return rooms_; }
+
+  RegStatus subkey_at(const RegistryKey& key, uint32_t index, char* name,
+                      uint32_t& length) override {
+    rooms_.insert(length);
+    return HookedRegistry::subkey_at(key, index, name, length);
+  }
+
+ private:
+  std::set<uint32_t> rooms_;
+};
+
 TEST_F(InstallerPatches, MayBeAsDeepAndLongNamedAsTheRegistryAllows) {
   const std::string longest(255, 'n');
   registry_.create(product_patch_key(longest, longest, longest));
   registry_.create(patch_key(longest, longest));
-  load();
+  RoomRegistry registry(registry_);
+  LoadInstallerPatches(registry, patches_, products_);
+  EXPECT_EQ(registry.rooms(), std::set<uint32_t>{260});
   EXPECT_EQ(patches_of(longest.c_str()), longest + ",");
   EXPECT_NE(patch(longest.c_str()), "-");
 }
