@@ -1,47 +1,66 @@
 #include "inventory/product_details.h"
 
+#include <optional>
+
 #include "inventory/source_rows.h"
 
 namespace {
 
 using Field = PackageColumn;
 
-/// What the installer has under this name, unless that is empty.
-std::optional<String> filled_property(Installer& installer, const String& code, const char* name) {
-  auto value = installer.product_info(code.c_str(), name);
-  if (value && value->empty()) value.reset();
-  return value;
-}
+/// Fills one row with what the installer has of one product.
+class DetailsReader {
+ public:
+  DetailsReader(const ProductServices& services, const String& code, Row& entry)
+      : services_(services), code_(code), entry_(entry) {}
 
-struct Fallback {
-  Field column;
-  const char* property;
+  void count(const ProductPatchMap& product_patches) {
+    FeatureMap features;
+    PatchSet patches;
+    ReadProductFeaturesAndPatches(services_.installer, code_, product_patches, features, patches);
+    cell(entry_, Field::features).set_number(static_cast<int32_t>(features.size()));
+    cell(entry_, Field::patches).set_number(static_cast<int32_t>(patches.size()));
+  }
+
+  /// An empty path is an answer, too: it takes away what was there.
+  void take_package() {
+    if (const auto path = property("LocalPackage")) text(Field::packagePath) = *path;
+  }
+
+  void fill_icon() {
+    if (!icon_exists(text(Field::displayIcon), services_.files)) {
+      take_filled(Field::displayIcon, "ProductIcon");
+    }
+  }
+
+  void fill_if_empty(Field column, const char* name) {
+    if (text(column).empty()) take_filled(column, name);
+  }
+
+  void fill_date() {
+    String& shown = text(Field::installDate);
+    if (!shown.empty()) return;
+    const auto value = property("InstallDate");
+    if (!value || value->empty()) return;
+    DateTime date;
+    date.parse(value->c_str(), services_.clock);
+    shown = date.display(services_.clock);
+  }
+
+ private:
+  String& text(Field column) { return cell(entry_, column).text; }
+  std::optional<String> property(const char* name) {
+    return services_.installer.product_info(code_.c_str(), name);
+  }
+  void take_filled(Field column, const char* name) {
+    const auto value = property(name);
+    if (value && !value->empty()) text(column) = *value;
+  }
+
+  const ProductServices& services_;
+  const String& code_;
+  Row& entry_;
 };
-
-constexpr Fallback kFallbacks[] = {{Field::displayName, "ProductName"},
-                                   {Field::displayVersion, "VersionString"}};
-
-void fill_if_empty(Installer& installer, const String& code, const Fallback& fallback, Row& entry) {
-  String& text = cell(entry, fallback.column).text;
-  if (!text.empty()) return;
-  if (const auto value = filled_property(installer, code, fallback.property)) text = *value;
-}
-
-void fill_icon(const ProductServices& services, const String& code, Row& entry) {
-  String& icon = cell(entry, Field::displayIcon).text;
-  if (icon_exists(icon, services.files)) return;
-  if (const auto value = filled_property(services.installer, code, "ProductIcon")) icon = *value;
-}
-
-void fill_date(const ProductServices& services, const String& code, Row& entry) {
-  String& text = cell(entry, Field::installDate).text;
-  if (!text.empty()) return;
-  const auto value = filled_property(services.installer, code, "InstallDate");
-  if (!value) return;
-  DateTime date;
-  date.parse(value->c_str(), services.clock);
-  text = date.display(services.clock);
-}
 
 }  // namespace
 
@@ -53,7 +72,7 @@ void ReadProductFeaturesAndPatches(Installer& installer, const String& productCo
   for (uint32_t index = 0;
        installer.feature_at(productCode.c_str(), index, feature, parent) == kInstallerSuccess;
        ++index) {
-    featureMap.insert_or_assign(String(feature), String(parent));
+    featureMap.emplace(String(feature), String(parent));
   }
   const auto patches = productPatchMap.find(PackProductCode(productCode));
   if (patches != productPatchMap.end()) {
@@ -64,18 +83,11 @@ void ReadProductFeaturesAndPatches(Installer& installer, const String& productCo
 void ReadProductDetails(const ProductServices& services, const String& productCode,
                         const ProductPatchMap& productPatchMap, Row& entry) {
   cell(entry, Field::MSI).set_number(1);
-  FeatureMap features;
-  PatchSet patches;
-  ReadProductFeaturesAndPatches(services.installer, productCode, productPatchMap, features,
-                                patches);
-  cell(entry, Field::features).set_number(static_cast<int32_t>(features.size()));
-  cell(entry, Field::patches).set_number(static_cast<int32_t>(patches.size()));
-  // An empty path is an answer, too: it takes away what was there.
-  if (const auto package = services.installer.product_info(productCode.c_str(), "LocalPackage")) {
-    cell(entry, Field::packagePath).text = *package;
-  }
-  fill_icon(services, productCode, entry);
-  for (const Fallback& fallback : kFallbacks)
-    fill_if_empty(services.installer, productCode, fallback, entry);
-  fill_date(services, productCode, entry);
+  DetailsReader details(services, productCode, entry);
+  details.count(productPatchMap);
+  details.take_package();
+  details.fill_icon();
+  details.fill_if_empty(Field::displayName, "ProductName");
+  details.fill_if_empty(Field::displayVersion, "VersionString");
+  details.fill_date();
 }
