@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstring>
 #include <functional>
 #include <memory>
 #include <string>
@@ -81,4 +82,21 @@ class HookedRegistry : public Registry {
   Registry& behind_;
   const Hook hook_;
   std::atomic<int> open_keys_{0};
+};
+
+/// Tells of each key a subkey before all others whose name begins with a NUL.
+class NulNameRegistry final : public HookedRegistry {
+ public:
+  explicit NulNameRegistry(Registry& behind)
+      : HookedRegistry(behind, [](const std::string&, uint32_t) {}) {}
+
+  RegStatus subkey_at(const RegistryKey& key, uint32_t index, char* name,
+                      uint32_t& length) override {
+    if (index != 0) return HookedRegistry::subkey_at(key, index - 1, name, length);
+    constexpr char kName[] = "\0x";
+    if (length < sizeof kName) return kRegMoreData;
+    length = sizeof kName - 1;
+    std::memcpy(name, kName, sizeof kName);
+    return kRegSuccess;
+  }
 };

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "inventory/source_rows.h"
+
 namespace {
 
 constexpr char kUserDataPath[] =
@@ -18,7 +20,7 @@ void each_subkey(Registry& registry, const RegistryKey& key, const Visit& visit)
   for (uint32_t index = 0;; ++index) {
     uint32_t length = kKeyNameRoom;
     if (registry.subkey_at(key, index, name, length) != kRegSuccess) return;
-    visit(String(name));
+    if (is_subkey_name(name, length)) visit(String(name));
   }
 }
 

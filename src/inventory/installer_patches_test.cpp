@@ -254,6 +254,19 @@ TEST_F(InstallerPatches, EndWhereTheirEnumerationFails) {
   EXPECT_NE(patch("P3"), "-");
 }
 
+TEST_F(InstallerPatches, HaveNoNameThatOpensNoSubkey) {
+  registry_.create(patch_key("P1\\x"));
+  registry_.create(patch_key("P1\uFF3Cx"));  // told as "P1\\x"
+  registry_.create(product_patch_key("P2"));
+  NulNameRegistry registry(registry_);
+  EXPECT_EQ(LoadInstallerPatches(registry, patches_, products_), kRegSuccess);
+  EXPECT_EQ(patches_.size(), 2u);
+  EXPECT_NE(patch("P1"), "-");
+  EXPECT_NE(patch("P2"), "-");
+  EXPECT_EQ(products_.size(), 1u);
+  EXPECT_EQ(patches_of(kPackedProduct), "P2,");
+}
+
 TEST_F(InstallerPatches, AreThoseOfTheViewOfThisProcess) {
   registry_.create(
       "HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Installer\\UserData\\S-1\\"

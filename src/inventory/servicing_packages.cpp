@@ -1,6 +1,7 @@
 #include "inventory/servicing_packages.h"
 
 #include <cstring>
+#include <optional>
 #include <vector>
 
 #include "inventory/text_helpers.h"
@@ -22,8 +23,8 @@ String display_name(const String& install_name, const char* key_name) {
   return name;
 }
 
-/// `info` is the package's, null if it isn't known.
-String install_date(const ValueSet& values, const Registry::KeyInfo* info,
+/// `info` is the package's.
+String install_date(const ValueSet& values, const std::optional<Registry::KeyInfo>& info,
                     const ORLO::Clock& clock) {
   DateTime date;
   uint32_t low = 0;
@@ -31,7 +32,7 @@ String install_date(const ValueSet& values, const Registry::KeyInfo* info,
   if (values.dword("InstallTimeLow", low) && values.dword("InstallTimeHigh", high)) {
     date = local_date(ORLO::FileTime{high} << 32 | low, clock);
   }
-  if (date.empty() && info != nullptr) date = local_date(info->last_write, clock);
+  if (date.empty() && info) date = local_date(info->last_write, clock);
   return MergeDateText(String(), date, clock);
 }
 
@@ -48,14 +49,15 @@ bool ServicingPackagesSource::ReadServicingPackages(std::set<RowKey>& unseenKeys
       kRegSuccess) {
     return false;
   }
-  Registry::KeyInfo info;
-  if (registry_.info(packages, info) != kRegSuccess) return true;
-  std::vector<char> name(size_t{info.longest_subkey_name} + 1);
+  const auto info = info_of(registry_, packages);
+  if (!info) return true;
+  std::vector<char> name(size_t{info->longest_subkey_name} + 1);
   // One row for all packages: each writes the same cells.
   Row row = make_source_row(String());
   for (uint32_t index = 0;; ++index) {
     auto length = static_cast<uint32_t>(name.size());
     if (registry_.subkey_at(packages, index, name.data(), length) != kRegSuccess) return true;
+    if (!is_subkey_name(name.data(), length)) continue;
     RegistryKey package;
     if (registry_.open(packages, name.data(), kKeyQueryValue, package) != kRegSuccess) continue;
     read_package(package, name.data(), row);
@@ -65,14 +67,12 @@ bool ServicingPackagesSource::ReadServicingPackages(std::set<RowKey>& unseenKeys
 }
 
 void ServicingPackagesSource::read_package(const RegistryKey& package, const char* name, Row& row) {
-  Registry::KeyInfo info;
-  const Registry::KeyInfo* const known =
-      registry_.info(package, info) == kRegSuccess ? &info : nullptr;
-  values_.read(package, known);
+  const auto info = info_of(registry_, package);
+  values_.read(package, info ? &*info : nullptr);
   cell(row, Field::source).text = values_.text("InstallClient");
   cell(row, Field::name).text = name;
   cell(row, Field::displayName).text = display_name(values_.text("InstallName"), name);
   cell(row, Field::installLocation).text = values_.text("InstallLocation");
   cell(row, Field::user).text = sid_names_.SidToUserName(values_.text("InstallUser"));
-  cell(row, Field::installDate).text = install_date(values_, known, clock_);
+  cell(row, Field::installDate).text = install_date(values_, info, clock_);
 }

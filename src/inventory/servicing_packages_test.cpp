@@ -172,6 +172,17 @@ TEST_F(ServicingPackagesTest, GoesOnAfterAPackageThatCannotBeOpened) {
   EXPECT_EQ(names(), (std::vector<std::string>{"a", "c"}));
 }
 
+TEST_F(ServicingPackagesTest, PassesOverANameThatOpensNoSubkey) {
+  add("a\\ab");
+  add("a\uFF3C");   // told as "a\\"
+  add("a\uFF3Ca");  // told as "a\\a"
+  add("b");
+  NulNameRegistry registry(registry_);
+  EXPECT_TRUE(read_through(registry));
+  EXPECT_EQ(names(), (std::vector<std::string>{"a", "b"}));
+  EXPECT_EQ(registry.open_keys(), 0);
+}
+
 TEST_F(ServicingPackagesTest, EndsWhereTheEnumerationFails) {
   for (const char* name : {"a", "b", "c"})
     add(name);
@@ -221,6 +232,12 @@ TEST_F(ServicingPackagesTest, NamesAPackageWithoutANameOfItsOwnByItsKey) {
   read();
   EXPECT_EQ(value(0, Field::displayName), "Package_for_KB1 31bf x86  6.1 - update.mum");
   EXPECT_EQ(value(0, Field::name), "Package_for_KB1~31bf~x86~~6.1");
+}
+
+TEST_F(ServicingPackagesTest, APercentSignInAKeysNameIsACharacterLikeOthers) {
+  text("Package_100%s~%n%#s", "InstallName", u"update.mum");
+  read();
+  EXPECT_EQ(value(0, Field::displayName), "Package_100%s %n%#s - update.mum");
 }
 
 TEST_F(ServicingPackagesTest, ShowsTildesAsBlanks) {

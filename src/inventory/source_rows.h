@@ -1,7 +1,9 @@
 // What the sources of the inventory have in common.
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <set>
 
 #include "inventory/package_schema.h"
@@ -20,6 +22,14 @@ Row make_source_row(const String& source);
 
 /// Whether the file that an icon specification names can be opened; its index plays no part.
 bool icon_exists(const String& icon, Files& files);
+
+/// Whether what an enumeration tells in the code page opens that subkey and no other key. An empty
+/// name opens the key itself, as one that begins with a NUL does, and a backslash, which other
+/// characters may turn into, leads further down.
+bool is_subkey_name(const char* name, uint32_t length);
+
+/// None if the key tells nothing of itself.
+std::optional<Registry::KeyInfo> info_of(Registry& registry, const RegistryKey& key);
 
 /// A file time as a local date; the empty date if it can't be converted.
 DateTime local_date(ORLO::FileTime time, const ORLO::Clock& clock);

@@ -94,9 +94,9 @@ UninstallSource::UninstallSource(Registry& registry, Files& files, const ORLO::C
 void UninstallSource::readUninstallKey(int32_t root, const RegistryKey& key,
                                        std::set<RowKey>& unseenKeys, bool is64BitView,
                                        const RowSink& deliver) {
-  Registry::KeyInfo info;
-  if (registry_.info(key, info) != kRegSuccess) return;
-  std::vector<char> name(static_cast<size_t>(info.longest_subkey_name) + 1);
+  const auto info = info_of(registry_, key);
+  if (!info) return;
+  std::vector<char> name(static_cast<size_t>(info->longest_subkey_name) + 1);
   // One row for all subkeys: what a subkey doesn't write stays from the one before it. Usage data
   // carry over that way.
   Row row = make_package_row();
@@ -107,6 +107,7 @@ void UninstallSource::readUninstallKey(int32_t root, const RegistryKey& key,
   for (uint32_t index = 0;; ++index) {
     auto length = static_cast<uint32_t>(name.size());
     if (registry_.subkey_at(key, index, name.data(), length) != kRegSuccess) return;
+    if (!is_subkey_name(name.data(), length)) continue;
     const String subkey_name(name.data());
     RegistryKey subkey;
     if (registry_.open(key, name.data(), kKeyQueryValue, subkey) != kRegSuccess) continue;
@@ -128,9 +129,8 @@ void UninstallSource::readUninstallKey(int32_t root, const RegistryKey& key,
 
 void UninstallSource::read_subkey(const RegistryKey& subkey, const String& name, Facts& facts,
                                   Row& row) {
-  Registry::KeyInfo info;
-  const bool known = registry_.info(subkey, info) == kRegSuccess;
-  values_.read(subkey, known ? &info : nullptr);
+  const auto info = info_of(registry_, subkey);
+  values_.read(subkey, info ? &*info : nullptr);
   String parent = values_.text("ParentKeyName");
   split_subkey_name(name, cell(row, Field::keyName).text, parent);
   cell(row, Field::name).text = name;
@@ -145,10 +145,10 @@ void UninstallSource::read_subkey(const RegistryKey& subkey, const String& name,
   cell(row, Field::noRemove).set_number(values_.number_or("NoRemove", 0));
   cell(row, Field::noModify).set_number(values_.number_or("NoModify", 0));
   cell(row, Field::systemComponent).set_number(values_.number_or("SystemComponent", 0));
-  cell(row, Field::installDate).text = install_date(info, known);
+  cell(row, Field::installDate).text = install_date(info);
 }
 
-String UninstallSource::install_date(const Registry::KeyInfo& info, bool known) const {
+String UninstallSource::install_date(const std::optional<Registry::KeyInfo>& info) const {
   DateTime date;
   String raw;
   uint32_t seconds = 0;
@@ -157,7 +157,7 @@ String UninstallSource::install_date(const Registry::KeyInfo& info, bool known) 
   } else {
     raw = values_.text("InstallDate");
   }
-  if (date.empty() && known) date = local_date(info.last_write, clock_);
+  if (date.empty() && info) date = local_date(info->last_write, clock_);
   return MergeDateText(raw, date, clock_);
 }
 

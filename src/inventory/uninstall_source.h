@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <set>
 
 #include "inventory/source_rows.h"
@@ -24,8 +25,8 @@ class UninstallSource {
   struct Facts;
 
   void read_subkey(const RegistryKey& subkey, const String& name, Facts& facts, Row& row);
-  /// `known`: whether `info` could be read.
-  String install_date(const Registry::KeyInfo& info, bool known) const;
+  /// `info` is the subkey's.
+  String install_date(const std::optional<Registry::KeyInfo>& info) const;
   void read_usage_cache(const String& name, Facts& facts, Row& row);
   String installer_path(const Facts& facts, const String& modify);
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "inventory/entry.h"
+#include "inventory/hooked_registry_test_support.h"
 #include "inventory/uninstall_test_support.h"
 #include "orlo/datetime.h"
 #include "orlo/fixed_clock.h"
@@ -111,6 +112,17 @@ TEST_F(UninstallSourceTest, SplitsTheNameOfAPackageUnderAnother) {
     EXPECT_EQ(value(0, Field::keyName), c.key_name);
     EXPECT_EQ(value(0, Field::parent), c.parent);
   }
+}
+
+TEST_F(UninstallSourceTest, NameThatOpensNoSubkeyGivesNoRow) {
+  add("App\\App");
+  add("App\uFF3C");     // told as "App\\"
+  add("App\uFF3CApp");  // told as "App\\App"
+  add("Other");
+  NulNameRegistry registry(registry_);
+  read_through(registry);
+  EXPECT_EQ(names(), (std::vector<std::string>{"App", "Other"}));
+  EXPECT_EQ(registry.open_keys(), 0);
 }
 
 TEST_F(UninstallSourceTest, TextEndsAtItsFirstNul) {

@@ -13,6 +13,8 @@ using Field = PackageColumn;
 constexpr size_t kNameRoom = 2048;
 // A registry's own limit. Only a link to a key further up leads beyond it.
 constexpr int kMostLevels = 512;
+// Far more than any tree has. Two links that lead back up would double the walk at every level.
+constexpr int kMostKeys = 200'000;
 
 /// As the registry compares names, so that two names that open the same key are equal.
 std::u16string compared_name(const String& name) {
@@ -30,7 +32,7 @@ struct UpdatesRegistrySource::Receiver {
   const RowSink& deliver;
 };
 
-/// A key whose subkeys are being read. There may be hundreds at a time: keep it small.
+/// A key whose subkeys are being read.
 struct UpdatesRegistrySource::Level {
   const RegistryKey& key;
   const String& path;
@@ -44,43 +46,42 @@ UpdatesRegistrySource::UpdatesRegistrySource(Registry& registry, const ORLO::Clo
 int UpdatesRegistrySource::ReadUpdatesRegistry(const RegistryKey& key, const String& parentPath,
                                                std::set<RowKey>& unseenKeys,
                                                const RowSink& deliver) {
-  Registry::KeyInfo info;
-  bool known = false;
-  const DateTime written = write_time(key, info, known);
+  opened_ = 0;
+  const DateTime written = write_time(info_of(registry_, key));
   return read_below({key, parentPath, written, 1}, {unseenKeys, deliver});
 }
 
-DateTime UpdatesRegistrySource::write_time(const RegistryKey& key, Registry::KeyInfo& info,
-                                           bool& known) const {
-  known = registry_.info(key, info) == kRegSuccess;
-  return known ? local_date(info.last_write, clock_) : DateTime();
+DateTime UpdatesRegistrySource::write_time(const std::optional<Registry::KeyInfo>& info) const {
+  return info ? local_date(info->last_write, clock_) : DateTime();
 }
 
+// There may be hundreds of frames of this and of read_subkey() at a time: keep them small.
 int UpdatesRegistrySource::read_below(const Level& level, const Receiver& receiver) {
   int rows = 0;
   // Names that differ outside the code page only are told alike and open the same key. Walking it
   // once for each of them would double the work at every level.
   std::set<std::u16string> names;
-  for (uint32_t index = 0;; ++index) {
+  for (uint32_t index = 0; opened_ < kMostKeys; ++index) {
     auto length = static_cast<uint32_t>(name_.size());
-    if (registry_.subkey_at(level.key, index, name_.data(), length) != kRegSuccess) return rows;
+    if (registry_.subkey_at(level.key, index, name_.data(), length) != kRegSuccess) break;
+    if (!is_subkey_name(name_.data(), length)) continue;
     const String name(name_.data());
     if (names.insert(compared_name(name)).second) rows += read_subkey(level, name, receiver);
   }
+  return rows;
 }
 
 int UpdatesRegistrySource::read_subkey(const Level& level, const String& name,
                                        const Receiver& receiver) {
+  ++opened_;
   RegistryKey subkey;
   if (registry_.open(level.key, name.c_str(), kKeyRead, subkey) != kRegSuccess) return 0;
-  Registry::KeyInfo info;
-  bool known = false;
-  const DateTime written = write_time(subkey, info, known);
-  values_.read(subkey, known ? &info : nullptr);
+  const auto info = info_of(registry_, subkey);
+  values_.read(subkey, info ? &*info : nullptr);
   const int rows = deliver_update(level, name, receiver) ? 1 : 0;
   if (level.depth == kMostLevels) return rows;
   const String path = level.path.empty() ? name : String::formatted("%#s\\%#s", level.path, name);
-  return rows + read_below({subkey, path, written, level.depth + 1}, receiver);
+  return rows + read_below({subkey, path, write_time(info), level.depth + 1}, receiver);
 }
 
 bool UpdatesRegistrySource::deliver_update(const Level& level, const String& name,

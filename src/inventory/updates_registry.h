@@ -1,6 +1,7 @@
 // The tree in which older systems keep their hotfixes.
 #pragma once
 
+#include <optional>
 #include <set>
 #include <vector>
 
@@ -25,12 +26,14 @@ class UpdatesRegistrySource {
 
   int read_below(const Level& level, const Receiver& receiver);
   int read_subkey(const Level& level, const String& name, const Receiver& receiver);
-  /// Whether `values_` tell of an update that is installed.
+  /// Delivers the row, if `values_` tell of an update that is installed. Whether they do.
   bool deliver_update(const Level& level, const String& name, const Receiver& receiver);
-  DateTime write_time(const RegistryKey& key, Registry::KeyInfo& info, bool& known) const;
+  /// The empty date if it isn't known.
+  DateTime write_time(const std::optional<Registry::KeyInfo>& info) const;
 
   Registry& registry_;
   const ORLO::Clock& clock_;
   ValueSet values_;
   std::vector<char> name_;  ///< of the subkey in hand; one buffer for all levels
+  int opened_ = 0;          ///< keys opened so far by this walk
 };

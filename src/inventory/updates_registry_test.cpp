@@ -323,6 +323,67 @@ TEST_F(UpdatesRegistry, ALinkToAKeyFurtherUpIsFollowedNoDeeperThanARegistryGoes)
   EXPECT_EQ(looped.open_keys(), 0);
 }
 
+/// A loop in which every key has several subkeys.
+class BranchedRegistry final : public HookedRegistry {
+ public:
+  BranchedRegistry(Registry& behind, uint32_t branches)
+      : HookedRegistry(behind, [](const std::string&, uint32_t) {}), branches_(branches) {}
+  using HookedRegistry::open;
+  RegStatus open(const RegistryKey&, const char*, uint32_t access, RegistryKey& key) override {
+    ++opens;
+    return HookedRegistry::open(kCurrentUser, kBelowRoot, access, key);
+  }
+  RegStatus subkey_at(const RegistryKey&, uint32_t index, char* name, uint32_t& length) override {
+    ++enumerations;
+    if (index == branches_) return kRegNoMoreItems;
+    length = 1;
+    name[0] = static_cast<char>('a' + index);
+    name[1] = '\0';
+    return kRegSuccess;
+  }
+  int opens = 0;
+  int enumerations = 0;
+
+ private:
+  const uint32_t branches_;
+};
+
+TEST_F(UpdatesRegistry, LinksThatLeadBackUpEndAWalkInTheEnd) {
+  text("", "PublishingGroup", u"no update");
+  for (const uint32_t branches : {2u, 3u}) {
+    BranchedRegistry branched(registry_, branches);
+    EXPECT_EQ(read_through(branched), 0);
+    EXPECT_EQ(branched.opens, 200'000);
+    EXPECT_LE(branched.enumerations, 2 * branched.opens);
+    EXPECT_EQ(branched.open_keys(), 0);
+  }
+}
+
+TEST_F(UpdatesRegistry, EachWalkHasItsOwnCountOfKeys) {
+  BranchedRegistry branched(registry_, 2);
+  RegistryKey key;
+  ASSERT_EQ(branched.open(kCurrentUser, kBelowRoot, kKeyRead, key), kRegSuccess);
+  UpdatesRegistrySource source(branched, clock_);
+  for (int walk = 1; walk <= 2; ++walk) {
+    source.ReadUpdatesRegistry(key, "", unseen_, [](const Row&) {});
+    EXPECT_EQ(branched.opens, walk * 200'000);
+  }
+}
+
+TEST_F(UpdatesRegistry, ANameThatOpensNoSubkeyIsPassedOver) {
+  update("a\\a");
+  update("a\uFF3C");   // told as "a\\"
+  update("a\uFF3Ca");  // told as "a\\a"
+  const std::u16string wide = u"a\uFF3C";
+  ASSERT_EQ(ORLO::system_locale().narrow(wide.data(), wide.size()), "a\\");
+  EXPECT_EQ(read(), 1);
+  EXPECT_THAT(places(), ElementsAre("a\\a"));
+  NulNameRegistry with_nuls(registry_);
+  text("", "PackageName", u"the root");
+  EXPECT_EQ(read_through(with_nuls), 1);
+  EXPECT_THAT(places(), ElementsAre("a\\a"));
+}
+
 TEST_F(UpdatesRegistry, NamesThatOpenTheSameKeyAreWalkedOnce) {
   std::string place;
   for (int level = 0; level < 60; ++level) {
