@@ -4,6 +4,7 @@
 
 #include "inventory/installer_bed_test_support.h"
 #include "inventory/source_rows.h"
+#include "orlo/locale.h"
 
 namespace {
 
@@ -223,17 +224,17 @@ TEST_F(ProductDetails, TakePropertiesOfUpTo1023Characters) {
 }
 
 TEST_F(ProductDetails, ShowTheDateAsDatesAreShown) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"20240115", "15/01/2024"},
-      {"15.01.2024", "15/01/2024"},
-      {"2024-01-15 13:45:00", "15/01/2024 13:45"},
+  const std::string day = ORLO::system_locale().date_text({2024, 1, 1, 15}, nullptr).value();
+  const std::pair<const char*, std::string> cases[] = {
+      {"20240115", day},
+      {"15.01.2024", day},
+      {"2024-01-15 13:45:00", day + " 13:45"},
   };
   for (const auto& [date, text] : cases) {
     SCOPED_TRACE(date);
     set(Field::installDate, "");
     set_property("InstallDate", date);
     EXPECT_EQ(read(Field::installDate), text);
-    EXPECT_EQ(read(Field::installDate), shown(date));
   }
   for (const char* date : {"", "nonsense", "20241399"}) {
     SCOPED_TRACE(date);
