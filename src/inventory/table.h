@@ -6,6 +6,7 @@
 #include <map>
 #include <vector>
 
+#include "orlo/byte_order.h"
 #include "orlo/rstring.h"
 #include "orlo/thread.h"
 
@@ -53,14 +54,8 @@ struct RowKey {
   bool operator==(const RowKey& other) const noexcept;
 };
 
-/// Order by unsigned bytes: -1, 0 or 1.
-int compare_bytes(const String& a, const String& b) noexcept;
-
-struct ByteOrder {
-  bool operator()(const String& a, const String& b) const noexcept {
-    return compare_bytes(a, b) < 0;
-  }
-};
+using ORLO::ByteOrder;
+using ORLO::compare_bytes;
 
 using ColumnIndices = std::vector<int32_t>;
 

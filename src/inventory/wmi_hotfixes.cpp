@@ -44,7 +44,8 @@ QfeRecord record_of(const WmiInstance& instance) {
 /// None if the query fails, even where it does so after some instances.
 std::vector<QfeRecord> read_records(Wmi& wmi) {
   WmiInstances instances;
-  if (!wmi.connect()->Execute(kQuery, kNamespace, instances)) return {};
+  const auto query = wmi.connect();
+  if (!query->Execute(kQuery, kNamespace, instances)) return {};
   std::vector<QfeRecord> records;
   records.reserve(instances.size());
   std::transform(instances.begin(), instances.end(), std::back_inserter(records), &record_of);

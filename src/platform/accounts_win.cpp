@@ -11,7 +11,8 @@
 namespace {
 
 constexpr DWORD kNameRoom = 2048;
-/// Longer than any identifier's text: not every system looks at the count of its parts.
+/// Longer than any identifier's text; nobody is known by a longer one. Not every system looks at
+/// the count of an identifier's parts.
 constexpr size_t kLongestSidText = 256;
 
 struct SidTraits {

@@ -27,18 +27,6 @@ WmiInstances three() {
   return {{{"a", "1"}}, {{"a", "2"}, {"b", "2"}}, {{"a", "3"}}};
 }
 
-TEST(WmiNames, AreInTheOrderOfTheirUnsignedBytes) {
-  const WmiNameOrder less;
-  EXPECT_TRUE(less("a", "b"));
-  EXPECT_TRUE(less("Z", "a"));
-  EXPECT_TRUE(less("a", "ab"));
-  EXPECT_FALSE(less("ab", "a"));
-  EXPECT_FALSE(less("a", "a"));
-  EXPECT_TRUE(less("", "a"));
-  EXPECT_TRUE(less("a", "\xE4"));
-  EXPECT_FALSE(less("\xE4", "a"));
-}
-
 TEST(MemoryWmi, DiesInMidEnumeration) {
   for (size_t count = 0; count <= 3; ++count) {
     SCOPED_TRACE(count);

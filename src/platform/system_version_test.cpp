@@ -15,10 +15,3 @@ TEST(SystemVersion, IsAtLeast6ForTheLineOfWindowsNtAlone) {
     EXPECT_EQ(c.version.at_least_nt6(), c.expected);
   }
 }
-
-TEST(SystemVersion, StaysTheSame) {
-  const SystemVersion first = system_version();
-  const SystemVersion second = system_version();
-  EXPECT_EQ(first.platform, second.platform);
-  EXPECT_EQ(first.major, second.major);
-}

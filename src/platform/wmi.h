@@ -6,15 +6,10 @@
 #include <memory>
 #include <vector>
 
-#include "orlo/rstring.h"
-
-/// Orders names by unsigned bytes.
-struct WmiNameOrder {
-  bool operator()(const String& a, const String& b) const noexcept;
-};
+#include "orlo/byte_order.h"
 
 /// The properties of one instance by their names; those that are null are left out.
-using WmiInstance = std::map<String, String, WmiNameOrder>;
+using WmiInstance = std::map<String, String, ORLO::ByteOrder>;
 using WmiInstances = std::vector<WmiInstance>;
 
 /// A connection, of the thread that made it and for that thread alone.

@@ -161,22 +161,4 @@ class FakeEnumerator final : public FakeObject<IEnumWbemClassObject> {
   size_t next_ = 0;
 };
 
-/// Notes the namespace that it is asked for, if nothing else is said, and lets nobody in.
-class RefusingLocator final : public FakeObject<IWbemLocator> {
- public:
-  explicit RefusingLocator(std::wstring& asked) : asked_(asked) {}
-
-  HRESULT STDMETHODCALLTYPE ConnectServer(BSTR name_space, BSTR user, BSTR password, BSTR locale,
-                                          LONG flags, BSTR authority, IWbemContext* context,
-                                          IWbemServices**) override {
-    const bool plain = user == nullptr && password == nullptr && locale == nullptr && flags == 0 &&
-                       authority == nullptr && context == nullptr;
-    if (plain) asked_ = name_space;
-    return result_of(WBEM_E_ACCESS_DENIED);
-  }
-
- private:
-  std::wstring& asked_;
-};
-
 #pragma GCC diagnostic pop

@@ -1,5 +1,9 @@
 #include "platform/wmi_walk_win.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <span>
+
 #include "orlo/com_error.h"
 #include "orlo/system_text.h"
 
@@ -64,35 +68,34 @@ OwnedArray property_names(IWbemClassObject& object) {
   return names;
 }
 
+/// Up to its first NUL, so that the length of the text is that of what is seen.
+String text_of(BSTR text) {
+  return String(reinterpret_cast<const char16_t*>(text));
+}
+
 String text_of(VARIANT& value) {
   OwnedVariant text;
   ORLO::check_com(static_cast<int32_t>(VariantChangeType(&text.value, &value, 0, VT_BSTR)));
-  return ORLO::from_bstr(text.value.bstrVal);
+  return text_of(text.value.bstrVal);
 }
 
 bool read_property(IWbemClassObject& object, BSTR name, WmiInstance& result) {
   OwnedVariant value;
   if (FAILED(object.Get(name, 0, &value.value, nullptr, nullptr))) return false;
   if (value.value.vt == VT_NULL) return true;
-  result[ORLO::from_bstr(name)] = text_of(value.value);
+  result[text_of(name)] = text_of(value.value);
   return true;
 }
 
 bool read_properties(IWbemClassObject& object, WmiInstance& result) {
   const OwnedArray names = property_names(object);
-  LONG first = 0;
-  LONG last = -1;
-  if (!names || FAILED(SafeArrayGetLBound(names.get(), 1, &first)) ||
-      FAILED(SafeArrayGetUBound(names.get(), 1, &last))) {
-    return false;
-  }
-  for (LONG index = first; index <= last; ++index) {
-    BSTR found = nullptr;
-    const HRESULT status = SafeArrayGetElement(names.get(), &index, static_cast<void*>(&found));
-    const ORLO::OwnedBstr name(found);
-    if (FAILED(status) || !name || !read_property(object, name.get(), result)) return false;
-  }
-  return true;
+  if (!names || names.get()->pvData == nullptr) return false;
+  // Read where they lie, as an index beyond the last one may be more than an index holds.
+  const std::span found(static_cast<const BSTR*>(names.get()->pvData),
+                        names.get()->rgsabound[0].cElements);
+  return std::all_of(found.begin(), found.end(), [&](BSTR name) {
+    return name != nullptr && read_property(object, name, result);
+  });
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -9,6 +10,7 @@
 #include "orlo/owned_handle.h"
 #include "orlo/system_text.h"
 #include "platform/wmi_fakes_win_test_support.h"
+#include "platform/wmi_server_win_test_support.h"
 
 namespace {
 
@@ -332,15 +334,180 @@ TEST(WmiWalk, TakesTextsInTheCodePageAndOfAnyLength) {
   EXPECT_EQ(walk.property(0, "\xE4"), "name");
 }
 
+TEST(WmiWalk, ReadsNamesUpToTheGreatestIndex) {
+  const LONG last = std::numeric_limits<LONG>::max();
+  const Walk walk(1, [](size_t) {
+    auto* const instance = new FakeInstance({text(L"a", L"1"), text(L"b", L"2")});
+    instance->set_names([](SAFEARRAY*& names) {
+      names = SafeArrayCreateVector(VT_BSTR, last - 1, 2);
+      // Not every system puts elements there by their index.
+      auto* const elements = static_cast<BSTR*>(names->pvData);
+      elements[0] = SysAllocString(L"a");
+      elements[1] = SysAllocString(L"b");
+      return S_OK;
+    });
+    return instance;
+  });
+  EXPECT_TRUE(walk.complete);
+  ASSERT_EQ(walk.results.size(), 1u);
+  EXPECT_EQ(walk.results[0].size(), 2u);
+  EXPECT_EQ(walk.property(0, "b"), "2");
+}
+
+TEST(WmiWalk, TextsEndAtTheirFirstNul) {
+  const Walk walk({{text(L"a", std::wstring(L"b\0c", 3)), text(L"d", std::wstring(L"\0e", 2))}});
+  EXPECT_TRUE(walk.complete);
+  ASSERT_EQ(walk.results.size(), 1u);
+  EXPECT_EQ(walk.results[0].at("a").length(), 1u);
+  EXPECT_EQ(walk.results[0].at("d").length(), 0u);
+  EXPECT_EQ(walk.property(0, "a"), "b");
+}
+
+/// A megabyte of which only the first character counts.
+std::wstring padded(wchar_t first) {
+  std::wstring result(512 * 1024, L'\0');
+  result[0] = first;
+  return result;
+}
+
+/// Bytes of memory that the process has for itself.
+size_t committed() {
+  size_t bytes = 0;
+  MEMORY_BASIC_INFORMATION region = {};
+  for (const char* at = nullptr; VirtualQuery(at, &region, sizeof region) != 0;
+       at = static_cast<const char*>(region.BaseAddress) + region.RegionSize) {
+    if (region.State == MEM_COMMIT && region.Type == MEM_PRIVATE) bytes += region.RegionSize;
+  }
+  return bytes;
+}
+
+TEST(WmiWalk, HoldsNothingOfNamesAndTextsThatItHasRead) {
+  constexpr size_t kInstances = 8;
+  constexpr LONG kNames = 8;
+  constexpr size_t kAFewOfThem = 4 * 1024 * 1024;
+  const std::wstring large_name = padded(L'a');
+  const std::wstring large_text = padded(L'x');
+  const size_t before = committed();
+  const Walk walk(kInstances, [&](size_t) {
+    auto* const instance = new FakeInstance({text(L"a", large_text)});
+    instance->set_names([&](SAFEARRAY*& names) {
+      names = SafeArrayCreateVector(VT_BSTR, 0, kNames);
+      const ORLO::OwnedBstr name(
+          SysAllocStringLen(large_name.data(), static_cast<UINT>(large_name.size())));
+      for (LONG i = 0; i < kNames; ++i)
+        SafeArrayPutElement(names, &i, name.get());
+      return S_OK;
+    });
+    return instance;
+  });
+  EXPECT_LT(committed(), before + kAFewOfThem);
+  EXPECT_TRUE(walk.complete);
+  ASSERT_EQ(walk.results.size(), kInstances);
+  EXPECT_EQ(walk.property(kInstances - 1, "a"), "x");
+}
+
+/// What becomes of a query on a server. Ends with nothing alive, whatever it comes to.
+struct Query {
+  explicit Query(FakeServer& server) : results(2) {
+    const int fakes = live_fakes();
+    const int handles = ORLO::live_handles();
+    {
+      const OwnedCom<IWbemLocator> locator(new FakeLocator(server));
+      try {
+        complete = run_wmi_query(*locator.get(), "SELECT x", "ROOT/CIMV2", results);
+      } catch (const ORLO::ComError& error) {
+        thrown = static_cast<HRESULT>(error.hresult);
+      }
+    }
+    EXPECT_EQ(live_fakes(), fakes);
+    EXPECT_EQ(ORLO::live_handles(), handles);
+  }
+
+  bool complete = false;
+  HRESULT thrown = S_OK;
+  WmiInstances results;
+};
+
+TEST(WmiQueryOnALocator, GivesTheInstancesInPlaceOfWhatWasThere) {
+  FakeServer server;
+  const Query query(server);
+  EXPECT_TRUE(query.complete);
+  EXPECT_EQ(query.results.size(), 1u);
+}
+
+TEST(WmiQueryOnALocator, AsksInTheNameOfWhoRunsTheProgram) {
+  FakeServer server;
+  const Query query(server);
+  EXPECT_EQ(server.name_space, L"ROOT/CIMV2");
+  // Authentication by NT, no authorisation, each call, impersonation, no capabilities.
+  EXPECT_EQ(server.blanket_arguments, L"10,0,3,3,0,");
+  EXPECT_EQ(server.language, L"WQL");
+  EXPECT_EQ(server.text, L"SELECT x");
+  EXPECT_EQ(server.flags, 0x30);
+}
+
+/// It fails without an instance, and each step after the refusal is left out.
+void expect_refused(FakeServer& server, int steps) {
+  const Query query(server);
+  EXPECT_FALSE(query.complete);
+  EXPECT_EQ(query.thrown, S_OK);
+  EXPECT_TRUE(query.results.empty());
+  EXPECT_EQ(server.name_space, L"ROOT/CIMV2");
+  EXPECT_EQ(!server.blanket_arguments.empty(), steps > 1);
+  EXPECT_EQ(!server.text.empty(), steps > 2);
+}
+
 TEST(WmiQueryOnALocator, FailsWhereTheServerRefuses) {
-  const int handles = ORLO::live_handles();
-  std::wstring asked;
-  const OwnedCom<IWbemLocator> locator(new RefusingLocator(asked));
-  WmiInstances results(2);
-  EXPECT_FALSE(run_wmi_query(*locator.get(), "SELECT", "ROOT/CIMV2", results));
-  EXPECT_TRUE(results.empty());
-  EXPECT_EQ(asked, L"ROOT/CIMV2");
-  EXPECT_EQ(ORLO::live_handles(), handles + 1);
+  for (const bool has_services : {false, true}) {
+    FakeServer server;
+    server.connecting = result_of(WBEM_E_ACCESS_DENIED);
+    server.has_services = has_services;
+    expect_refused(server, 1);
+  }
+  FakeServer server;
+  server.has_services = false;
+  expect_refused(server, 1);
+}
+
+TEST(WmiQueryOnALocator, FailsWhereTheBlanketIsRefused) {
+  FakeServer server;
+  server.blanket = E_ACCESSDENIED;
+  expect_refused(server, 2);
+  FakeServer without;
+  without.has_security = false;
+  expect_refused(without, 1);
+}
+
+TEST(WmiQueryOnALocator, FailsWhereTheQueryIsRefused) {
+  for (const bool has_enumerator : {false, true}) {
+    FakeServer server;
+    server.query = result_of(WBEM_E_INVALID_QUERY);
+    server.has_enumerator = has_enumerator;
+    expect_refused(server, 3);
+  }
+  FakeServer server;
+  server.has_enumerator = false;
+  expect_refused(server, 3);
+}
+
+TEST(WmiQueryOnALocator, KeepsTheInstancesFromBeforeAFailure) {
+  FakeServer server;
+  server.make_enumerator = [] {
+    return new FakeEnumerator(
+        1, [](size_t) { return new FakeInstance({text(L"a", L"b")}); }, E_FAIL);
+  };
+  const Query query(server);
+  EXPECT_FALSE(query.complete);
+  EXPECT_EQ(query.results.size(), 1u);
+}
+
+TEST(WmiQueryOnALocator, LetsGoOfEverythingWhereAPropertyHasNoText) {
+  FakeServer server;
+  server.make_enumerator = [] {
+    return new FakeEnumerator(1, [](size_t) { return new FakeInstance({array(L"a")}); });
+  };
+  const Query query(server);
+  EXPECT_EQ(query.thrown, DISP_E_TYPEMISMATCH);
 }
 
 }  // namespace
