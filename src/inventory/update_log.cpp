@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
 #include <functional>
 #include <string>
 
@@ -27,6 +26,8 @@ constexpr size_t kLongestWord = 100;
 constexpr size_t kMostUnits = 1023;
 constexpr size_t kMostBytesOfUnit = 3;
 constexpr size_t kFirstLine = 1024;
+// No line is as long, and its title and texts made of it are held several times.
+constexpr size_t kLongestLine = 1'000'000;
 
 /// Where the phrase stands first. Looks at few of the line's characters: a search for the phrase's
 /// first one would look at each.
@@ -63,6 +64,7 @@ String in_code_page(std::string_view title) {
   // What was no valid UTF-8 doesn't come back.
   if (wide.size() > kMostUnits || utf8_from_utf16(wide) != title) return raw;
   const std::string narrow = ORLO::system_locale().narrow(wide.data(), wide.size());
+  // Longer than the text only in a code page of two bytes to a character.
   return narrow.size() > kMostUnits ? raw : String(narrow);
 }
 
@@ -94,7 +96,6 @@ std::optional<LoggedUpdate> parse_update_line(std::string_view line, const ORLO:
   std::string_view rest = line;
   const std::string date(take_word(rest).substr(0, kLongestWord));
   const std::string time(take_word(rest).substr(0, kLongestWord));
-  if (time.empty()) return std::nullopt;
   std::string_view title = after(line, found + kTitleOffset);
   skip_prefix(title, kLongSuccess);
   LoggedUpdate update;
@@ -110,7 +111,7 @@ void ReadUpdateLog(const String& path, const ORLO::Clock& clock, std::set<RowKey
                         ORLO::kSequentialScan);
   ORLO::LineBuffer line(kFirstLine);
   Row row = make_source_row("Windows Update");
-  for (ptrdiff_t length = 0; (length = ORLO::read_line(file, line)) != -1;) {
+  for (ptrdiff_t length = 0; (length = ORLO::read_line(file, line, kLongestLine)) != -1;) {
     const auto update = parse_update_line({line.data(), static_cast<size_t>(length)}, clock);
     if (!update) continue;
     cell(row, Field::name).text = update->name;

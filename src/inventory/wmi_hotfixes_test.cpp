@@ -5,7 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "inventory/update_log_test_support.h"
 #include "orlo/com_error.h"
+#include "orlo/file_test_support.h"
 #include "orlo/fixed_clock.h"
 #include "platform/memory_wmi.h"
 
@@ -187,6 +189,23 @@ TEST_F(WmiHotfixesTest, AnInstanceWithoutPropertiesIsARowWithoutAName) {
   EXPECT_EQ(value(0, Field::name), "");
   EXPECT_EQ(value(0, Field::displayName), "");
   EXPECT_EQ(value(0, Field::source), "WMI QFE");
+}
+
+TEST_F(WmiHotfixesTest, ARowWithoutANameSuppressesRecordsWithoutAName) {
+  read({{},
+        {{"HotFixID", "KB1"}, {"Description", "x"}},
+        {{"HotFixID", "KB2"}, {"Description", "x"}, {"Name", "other"}}});
+  ASSERT_EQ(delivered_.size(), 2u);
+  EXPECT_EQ(value(0, Field::name), "");
+  EXPECT_EQ(value(1, Field::name), "KB2");
+}
+
+TEST_F(WmiHotfixesTest, ASuccessWithoutATitleInTheLogDoesSoToo) {
+  const TempFolder folder;
+  ReadUpdateLog(folder.make("log", success_line("") + "\n").c_str(), clock_, unseen_,
+                [this](const Row& row) { rows_.add(row); });
+  read({{{"HotFixID", "KB1"}, {"Description", "x"}}});
+  EXPECT_TRUE(delivered_.empty());
 }
 
 TEST_F(WmiHotfixesTest, TakeTheRowsKeyOffTheUnseenOnes) {
