@@ -46,6 +46,7 @@ sources() {
     reg_text) echo src/platform/reg_text.cpp ;;
     update_key) echo src/inventory/updates_registry.cpp ;;
     update_line) echo src/inventory/update_log.cpp ;;
+    packed_code) echo src/inventory/installer_patches.cpp ;;
     image_list) echo src/platform/image_list_bytes.cpp ;;
     image_paths) echo src/persist/image_paths.cpp ;;
     file_text)
@@ -63,6 +64,10 @@ functions() {
   case $1 in
     command) echo 'SplitIconSpec|ResolveCommandLine|arguments|skip_space|is_space|end_of' ;;
     version) echo 'compareVersions|version_start|number|pieces|part_end|sign|skip|is_space|is_digit' ;;
+    packed_code) echo 'PackProductCode' ;;
+    update_line)
+      echo 'parse_update_line|find_success|after|skip_prefix|take_word|in_code_page|split_title'
+      ;;
     *) echo . ;;
   esac
 }
