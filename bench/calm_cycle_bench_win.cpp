@@ -3,8 +3,10 @@
 #include <windows.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <set>
+#include <stdexcept>
 
 #include "bench/interleaved.h"
 #include "bench/uninstall_seed_win.h"
@@ -37,26 +39,30 @@ class SilentView : public InventoryView, public RefreshFrame {
 
 /// What the sources stand on, and what they have read before.
 struct Machine {
-  Machine() {
-    for (int i = 0; i < kProducts; ++i) {
-      seed.install({String::formatted("{5A0CE5ED-0000-4000-8000-%012d}", i).c_str(),
-                    {{"ProductName", "Program"}, {"LocalPackage", "C:\\package.msi"}},
-                    {{"Main", ""}, {"Help", "Main"}}});
-    }
-  }
-
   UninstallReader::Services services() const {
     return {*registry, *files, ORLO::system_clock(), *installer, *wmi, *accounts, system_version(),
             false,     [] {}};
   }
 
-  InstallerSeed seed;
   const std::unique_ptr<Registry> registry = make_system_registry();
   const std::unique_ptr<Files> files = make_system_files();
   const std::unique_ptr<Installer> installer = make_system_installer();
   const std::unique_ptr<Wmi> wmi = make_system_wmi();
   const std::unique_ptr<Accounts> accounts = make_system_accounts();
 };
+
+void seed_products(InstallerSeed& seed) {
+  try {
+    for (int i = 0; i < kProducts; ++i) {
+      seed.install({String::formatted("{5A0CE5ED-0000-4000-8000-%012d}", i).c_str(),
+                    {{"ProductName", "Program"}, {"LocalPackage", "C:\\package.msi"}},
+                    {{"Main", ""}, {"Help", "Main"}}});
+    }
+  } catch (const std::runtime_error& error) {
+    std::printf("%s\n", error.what());
+    std::exit(1);
+  }
+}
 
 /// The sources that have something to tell here, their rows let go of. The others fail at their
 /// first call.
@@ -79,6 +85,8 @@ void sources_alone(const Machine& machine, ReaderRows& rows) {
 
 int main() {
   seed_uninstall(kPath, kSubkeys);
+  InstallerSeed seed;
+  seed_products(seed);
   const Machine machine;
   SilentView view;
   Table current(packageSchema());

@@ -79,7 +79,7 @@ class ReaderTest : public testing::Test {
     registry_.set_text(kUpdate, "PackageName", u"Update 2");
     folder_.make(log_name().c_str(),
                  "2009-01-05\t10:11:12:123\t1 2\tInstallation Successful: Log 3 (KB3)\n");
-    system_.files.set_windows_folder(folder_.path("").c_str());
+    system_.files.set_windows_folder(folder_.path(""));
     registry_.set_text(kPackage, "InstallName", u"Package 4");
   }
 
