@@ -87,7 +87,7 @@ class Planter {
   void set_raw(unsigned choice, std::string_view& bytes) {
     PlantedValue value = kValues[choice % std::size(kValues)];
     const std::string_view size = take(bytes, 1);
-    const size_t length = size.empty() ? 0 : static_cast<unsigned char>(size[0]) % 16;
+    const size_t length = size.empty() ? 0 : size_t{static_cast<unsigned char>(size[0])} % 16;
     value.type = kTypes[length % std::size(kTypes)];
     value.data = take(bytes, length);
     PlantedRegistry::set(*key_, value);
