@@ -23,7 +23,7 @@
 #include "platform/memory_shell.h"
 #include "view/list_icons.h"
 #include "view/list_model.h"
-#include "view/resource_ids.h"
+#include "platform/resource_ids.h"
 #include "view/uninstall_dlg.h"
 // Needs what orlowin.h brings.
 #include <shellapi.h>

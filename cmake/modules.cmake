@@ -15,11 +15,12 @@ function(zolvane_precompile target)
   endif()
 endfunction()
 
-# zolvane_module(NAME [DEPENDENCY...]): the static library of one folder below src.
+# zolvane_module(NAME [DEPENDENCY...]): the static library of one folder below src, its rooms
+# included.
 # File names choose: foo.cpp always, foo_win.cpp for the target, foo_host.cpp elsewhere.
 # Tests (*_test.cpp) belong to zolvane_tests, main_win.cpp to the program.
 function(zolvane_module name)
-  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${name}/*.cpp)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${name}/*.cpp)
   list(FILTER sources EXCLUDE REGEX "(_test|/main_win)\\.cpp$")
   if(WIN32)
     list(FILTER sources EXCLUDE REGEX "_host\\.cpp$")

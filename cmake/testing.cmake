@@ -20,7 +20,7 @@ target_precompile_headers(zolvane_test_header PRIVATE <gmock/gmock.h> <gtest/gte
 # zolvane_tests(NAME): one test program for the *_test.cpp of one folder below src.
 # foo_win_test.cpp is for the target only, foo_host_test.cpp for the others.
 function(zolvane_tests name)
-  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${name}/*_test.cpp)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${name}/*_test.cpp)
   if(WIN32)
     list(FILTER sources EXCLUDE REGEX "_host_test\\.cpp$")
   else()

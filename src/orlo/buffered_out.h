@@ -17,6 +17,8 @@ class BufferedOutFile : public OutFile {
   bool good() const override { return last_error_ == 0; }
   uint64_t tell() const override { return written_ + held_back().size(); }
   void seek(uint64_t offset) override;
+  /// 0, or the system's code of the first failure.
+  uint32_t error() const noexcept { return last_error_; }
 
  protected:
   explicit BufferedOutFile(bool open) noexcept;

@@ -11,7 +11,7 @@
 #include "platform/system_version.h"
 #include "start/post_update.h"
 #include "start/switches.h"
-#include "view/resource_ids.h"
+#include "platform/resource_ids.h"
 #include "view/uninstall_dlg.h"
 // These need what orlowin.h brings.
 #include <objbase.h>

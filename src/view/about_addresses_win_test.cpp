@@ -5,7 +5,7 @@
 
 #include "orlo/orlowin.h"
 #include "view/addresses.h"
-#include "view/resource_ids.h"
+#include "platform/resource_ids.h"
 #include "view/resources.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include "view/about_zolvane.h"
 
-#include "view/resource_ids.h"
+#include "platform/resource_ids.h"
 
 AboutZolvaneController::AboutZolvaneController(HWND window)
     : AboutDlgController(window, "AboutZolvane", {IDC_ABOUT_HOME_PAGE, IDC_ABOUT_MAIL}) {}

@@ -4,7 +4,7 @@
 #include <iterator>
 
 #include "view/addresses.h"
-#include "view/resource_ids.h"
+#include "platform/resource_ids.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include "platform/memory_files.h"
 #include "platform/memory_registry.h"
 #include "platform/memory_shell.h"
-#include "view/resource_ids.h"
+#include "platform/resource_ids.h"
 
 namespace {
 

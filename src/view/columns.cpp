@@ -2,7 +2,7 @@
 
 #include <iterator>
 
-#include "view/resource_ids.h"
+#include "platform/resource_ids.h"
 
 namespace {
 

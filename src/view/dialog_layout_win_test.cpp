@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "orlo/orlowin.h"
-#include "view/resource_ids.h"
+#include "platform/resource_ids.h"
 #include "view/resources.h"
 
 namespace {

@@ -5,7 +5,7 @@
 
 #include "inventory/table.h"
 #include "orlo/wildcard.h"
-#include "view/resource_ids.h"
+#include "platform/resource_ids.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include "orlo/window_helpers.h"
 #include "view/legend.h"
-#include "view/resource_ids.h"
+#include "platform/resource_ids.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "view/resource_ids.h"
+#include "platform/resource_ids.h"
 
 namespace {
 

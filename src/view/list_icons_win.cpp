@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "persist/icon_cache.h"
-#include "view/resource_ids.h"
+#include "platform/resource_ids.h"
 
 ListIcons::ListIcons(const Parts& parts, HINSTANCE module)
     : dialog_(parts.dialog), list_(parts.list), model_(parts.model) {

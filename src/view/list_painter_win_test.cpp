@@ -8,7 +8,7 @@
 
 #include "view/entry_test_support.h"
 #include "view/recording_list_test_support.h"
-#include "view/resource_ids.h"
+#include "platform/resource_ids.h"
 #include "view/resources.h"
 
 namespace {

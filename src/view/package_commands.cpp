@@ -4,7 +4,7 @@
 #include <cstring>
 #include <iterator>
 
-#include "view/resource_ids.h"
+#include "platform/resource_ids.h"
 
 namespace {
 

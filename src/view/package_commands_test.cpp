@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "view/resource_ids.h"
+#include "platform/resource_ids.h"
 
 namespace {
 

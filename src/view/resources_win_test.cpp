@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "orlo/exception.h"
-#include "view/resource_ids.h"
+#include "platform/resource_ids.h"
 
 namespace {
 

@@ -14,7 +14,7 @@
 #include "view/addresses.h"
 #include "view/help.h"
 #include "view/legend_dlg.h"
-#include "view/resource_ids.h"
+#include "platform/resource_ids.h"
 #include "view/uninstall_dlg.h"
 #include "view/window_restart.h"
 

@@ -6,7 +6,7 @@
 #include "orlo/window_helpers.h"
 #include "platform/system_icon.h"
 #include "view/package_commands.h"
-#include "view/resource_ids.h"
+#include "platform/resource_ids.h"
 
 namespace {
 

@@ -19,7 +19,7 @@
 #include "platform/memory_registry.h"
 #include "platform/memory_shell.h"
 #include "view/later_script_test_support.h"
-#include "view/resource_ids.h"
+#include "platform/resource_ids.h"
 #include "view/uninstall_dlg.h"
 
 /// Holds the threads that come by, while it is shut, until it is opened.

@@ -13,7 +13,7 @@
 #include "persist/entry_icon.h"
 #include "persist/history.h"
 #include "persist/window_pos.h"
-#include "view/resource_ids.h"
+#include "platform/resource_ids.h"
 #include "view/window_restart.h"
 
 namespace {

@@ -3,7 +3,7 @@
 
 #include "orlo/message_wait.h"
 #include "platform/language.h"
-#include "view/resource_ids.h"
+#include "platform/resource_ids.h"
 #include "view/uninstall_dlg.h"
 
 namespace {
