@@ -60,11 +60,16 @@ class FormatManager {
   uint16_t NumberFormatIndex(const std::u16string& text);
   uint16_t XFIndex(const CellFormat& cellFormat);
 
+  /// The text of a number format, null for an index that has none.
+  const std::u16string* NumberFormat(uint16_t index) const;
+
  private:
+  void enter(uint16_t index, const std::u16string& text);
+
   Workbook& workbook_;
   std::map<uint16_t, std::u16string> formats_;
   std::map<std::u16string, uint16_t> indices_;
-  uint16_t nextIndex_ = 164;
+  uint32_t nextIndex_ = 164;  ///< above all indices met
 };
 
 }  // namespace YExcel

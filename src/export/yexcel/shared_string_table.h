@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace YExcel {
@@ -39,11 +38,32 @@ class SharedStringTable {
     const void* characters;
     uint16_t count;
     bool wide;
+
+    uint32_t bytes() const noexcept { return wide ? 2U * count : count; }
+    std::string_view memory() const noexcept;
+    bool operator==(const Text& other) const noexcept;
+  };
+  /// A place for a string in the table that finds them again; with its hash, so that the table
+  /// grows without a look at the texts.
+  struct Slot {
+    uint32_t hash;
+    uint32_t index;
+  };
+  /// The option byte that a string needs where it goes on in a CONTINUE record.
+  struct OptionByte {
+    uint32_t offset;
+    char value;
   };
 
+  uint32_t add(const Text& text, uint32_t hash);
+  Slot& slot_of(const Text& text, uint32_t hash);
+  void grow();
+  uint32_t split(uint32_t size, uint32_t& limit, const Text& text);
+  std::vector<OptionByte> option_bytes() const;
+  std::string body();
+
   std::vector<Text> strings_;
-  std::unordered_map<std::string_view, uint32_t> narrow_;
-  std::unordered_map<std::u16string_view, uint32_t> wide_;
+  std::vector<Slot> slots_;
   uint32_t stringsTotal_ = 0;
   std::vector<uint32_t> continueIndices_;
 };
