@@ -8,9 +8,9 @@ set -euo pipefail
 readonly purpose=${1:-all}
 
 # googletest: its sources are part of every configuration, also where no test is built.
-# fp-utils: the compiler of the help file.
+# fp-utils: the compiler of the help file. gnulib: regular expressions for the target.
 readonly build_packages=(
-  cmake ninja-build g++-mingw-w64-i686-posix googletest fp-utils-3.2.2)
+  cmake ninja-build g++-mingw-w64-i686-posix googletest fp-utils-3.2.2 gnulib)
 wine_packages=(wine wine32:i386 wine64 fonts-wine)
 readonly screen_packages=(xvfb openbox xdotool imagemagick x11-utils python3)
 readonly run_packages=(locales tzdata)

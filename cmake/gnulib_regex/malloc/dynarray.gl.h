@@ -1,0 +1,2 @@
+/* gnulib's makefile would make this one from the other. */
+#include <malloc/dynarray.h>
