@@ -2,20 +2,10 @@
 #pragma once
 
 #include "orlo/orlowin.h"
-#include "orlo/owned_handle.h"
+#include "platform/owned_com.h"
 #include "platform/wmi.h"
 // This needs what orlowin.h brings.
 #include <wbemcli.h>
-
-template <typename T>
-struct ComTraits {
-  using Handle = T*;
-  static Handle invalid() noexcept { return nullptr; }
-  static void close(Handle object) noexcept { object->Release(); }
-};
-/// Holds one reference to a COM object.
-template <typename T>
-using OwnedCom = ORLO::OwnedHandle<ComTraits<T>>;
 
 /// Connects to a namespace and runs a query there, as WmiQuery::Execute tells.
 bool run_wmi_query(IWbemLocator& locator, const char* query, const char* name_space,
