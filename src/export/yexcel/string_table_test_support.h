@@ -1,0 +1,175 @@
+// A reader of string tables as the format's publication tells, and texts to fill them with.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "export/yexcel/shared_string_table.h"
+
+namespace YExcel {
+
+/// A string as it is kept in a file.
+struct KeptString {
+  std::u16string text;
+  bool wide = false;
+
+  bool operator==(const KeptString&) const = default;
+};
+
+/// Reads the record and its CONTINUE records, up to the first string that can't be understood.
+class StringTableReader {
+ public:
+  explicit StringTableReader(std::string_view stream) {
+    while (stream.size() >= 4) {
+      const size_t length = number(stream, 2, 2);
+      codes.push_back(static_cast<uint16_t>(number(stream, 0, 2)));
+      pieces.push_back(stream.substr(4, length));
+      stream.remove_prefix(std::min(stream.size(), 4 + length));
+    }
+    read();
+  }
+
+  std::vector<uint16_t> codes;
+  std::vector<std::string_view> pieces;  ///< the bodies of the records
+  uint32_t total = 0;
+  uint32_t unique = 0;
+  std::vector<KeptString> strings;
+  bool whole = false;  ///< each byte was understood
+
+ private:
+  static uint32_t number(std::string_view bytes, size_t from, size_t count) {
+    uint32_t value = 0;
+    for (size_t at = from + count; at > from; --at)
+      value = value << 8 | static_cast<unsigned char>(bytes.at(at - 1));
+    return value;
+  }
+
+  void read() {
+    if (pieces.empty() || pieces[0].size() < 8) return;
+    total = number(pieces[0], 0, 4);
+    unique = number(pieces[0], 4, 4);
+    rest_ = pieces[0].substr(8);
+    while (strings.size() < unique) {
+      auto string = read_string();
+      if (!string) return;
+      strings.push_back(std::move(*string));
+    }
+    whole = rest_.empty() && piece_ + 1 == pieces.size();
+  }
+
+  bool next_piece() {
+    if (!rest_.empty() || piece_ + 1 == pieces.size()) return false;
+    rest_ = pieces[++piece_];
+    return true;
+  }
+
+  /// A string doesn't begin in two records, and only has the options for 8 or 16 bits here.
+  std::optional<KeptString> read_string() {
+    if (rest_.empty() && !next_piece()) return {};
+    if (rest_.size() < 3) return {};
+    const uint32_t count = number(rest_, 0, 2);
+    rest_.remove_prefix(2);
+    KeptString string;
+    if (!read_option(string.wide)) return {};
+    for (bool wide = string.wide; string.text.size() < count;) {
+      if (rest_.empty() && !(next_piece() && read_option(wide))) return {};
+      if (!take(wide ? 2 : 1, string.text) && !rest_.empty()) return {};
+    }
+    return string;
+  }
+
+  bool read_option(bool& wide) {
+    if (rest_.empty() || number(rest_, 0, 1) > 1) return false;
+    wide = rest_[0] == 1;
+    rest_.remove_prefix(1);
+    return true;
+  }
+
+  bool take(size_t width, std::u16string& to) {
+    if (rest_.size() < width) return false;
+    to.push_back(static_cast<char16_t>(number(rest_, 0, width)));
+    rest_.remove_prefix(width);
+    return true;
+  }
+
+  std::string_view rest_;  ///< of the piece that is read
+  size_t piece_ = 0;
+};
+
+/// Strings of given lengths, and the table that they are added to. A short one that is there
+/// already only counts as a further use.
+class Texts {
+ public:
+  void add(bool is_wide, size_t count) {
+    KeptString& text = texts_.emplace_back();
+    text.wide = is_wide;
+    const size_t which = texts_.size();
+    for (size_t at = 0; at < count; ++at)
+      text.text.push_back(unit(is_wide, which, at));
+    bytes_.push_back(narrowed(text.text));
+    if (is_wide)
+      table_.add(std::u16string_view(text.text));
+    else
+      table_.add(std::string_view(bytes_.back()));
+    if (table_.uniqueStringsTotal() < texts_.size()) {
+      texts_.pop_back();
+      bytes_.pop_back();
+    }
+  }
+  void narrow(size_t count) { add(false, count); }
+  void wide(size_t count) { add(true, count); }
+
+  SharedStringTable& table() { return table_; }
+  const std::deque<KeptString>& kept() const { return texts_; }
+
+ private:
+  static std::string narrowed(std::u16string_view text) {
+    std::string bytes;
+    bytes.reserve(text.size());
+    for (const char16_t unit : text)
+      bytes.push_back(static_cast<char>(unit));
+    return bytes;
+  }
+
+  /// No byte of it is zero or an option byte; the first characters tell which string it is.
+  static char16_t unit(bool is_wide, size_t which, size_t at) {
+    if (at < 2)
+      return static_cast<char16_t>('0' + (which >> (6 * at)) % 64 + (is_wide ? 0x4100 : 0));
+    const size_t low = 'a' + (at * 7 + which) % 26;
+    return static_cast<char16_t>(low + (is_wide ? 0x4100 + (at % 64) * 0x100 : 0));
+  }
+
+  std::deque<KeptString> texts_;
+  std::deque<std::string> bytes_;
+  SharedStringTable table_;
+};
+
+/// How many strings at the beginning are written so that readers understand them all. They don't
+/// where a string goes over two beginnings of records, where one that goes over a beginning ends at
+/// the next, and where one fills a record of its own.
+inline size_t readable(const std::deque<KeptString>& strings, const std::vector<uint32_t>& begins) {
+  const auto begin_at = [&](size_t which) {
+    return which < begins.size() ? begins[which] : SIZE_MAX;
+  };
+  size_t position = 8;
+  size_t begun = 0;  // CONTINUE records so far
+  for (size_t done = 0; done < strings.size(); ++done) {
+    const bool is_first = begun > 0 && begins[begun - 1] == position;
+    const size_t bytes = strings[done].text.size() * (strings[done].wide ? 2 : 1) + 3;
+    position += bytes;
+    if (is_first && bytes == 8224) return done + 1;
+    if (begin_at(begun) == position) ++begun;
+    if (begin_at(begun) >= position) continue;
+    ++position;
+    if (begin_at(++begun) < position) return done;
+    if (begin_at(begun) == position) return done + 1;
+  }
+  return strings.size();
+}
+
+}  // namespace YExcel
