@@ -9,7 +9,7 @@
 namespace {
 
 // Enough for several records at any place.
-constexpr size_t kMostStrings = 24;
+constexpr size_t kMostStrings = 8;
 
 void demand(bool holds) {
   if (!holds) std::abort();
@@ -25,7 +25,7 @@ size_t length_of(uint8_t kind, size_t number) {
     case 2:
       return (kind & 4) != 0 ? 4096 + number % 32 : 8192 + number % 64;
     default:
-      return number;
+      return number % 28000;
   }
 }
 

@@ -78,7 +78,7 @@ class StringTableReader {
     if (!read_option(string.wide)) return {};
     for (bool wide = string.wide; string.text.size() < count;) {
       if (rest_.empty() && !(next_piece() && read_option(wide))) return {};
-      if (!take(wide ? 2 : 1, string.text) && !rest_.empty()) return {};
+      if (!take(count - string.text.size(), wide ? 2 : 1, string.text)) return {};
     }
     return string;
   }
@@ -90,11 +90,19 @@ class StringTableReader {
     return true;
   }
 
-  bool take(size_t width, std::u16string& to) {
-    if (rest_.size() < width) return false;
-    to.push_back(static_cast<char16_t>(number(rest_, 0, width)));
-    rest_.remove_prefix(width);
-    return true;
+  /// What the piece has of so many units. False if it ends within one.
+  bool take(size_t most, size_t width, std::u16string& to) {
+    const size_t count = std::min(most, rest_.size() / width);
+    const std::string_view units = rest_.substr(0, count * width);
+    const size_t before = to.size();
+    to.resize(before + count);
+    for (size_t at = 0; at < count; ++at) {
+      const auto low = static_cast<unsigned char>(units[at * width]);
+      const auto high = static_cast<unsigned char>(width == 2 ? units[2 * at + 1] : '\0');
+      to[before + at] = static_cast<char16_t>(high << 8 | low);
+    }
+    rest_.remove_prefix(units.size());
+    return count == most || rest_.empty();
   }
 
   std::string_view rest_;  ///< of the piece that is read
@@ -108,9 +116,7 @@ class Texts {
   void add(bool is_wide, size_t count) {
     KeptString& text = texts_.emplace_back();
     text.wide = is_wide;
-    const size_t which = texts_.size();
-    for (size_t at = 0; at < count; ++at)
-      text.text.push_back(unit(is_wide, which, at));
+    text.text = text_of(is_wide, texts_.size(), count);
     bytes_.push_back(narrowed(text.text));
     if (is_wide)
       table_.add(std::u16string_view(text.text));
@@ -129,19 +135,26 @@ class Texts {
 
  private:
   static std::string narrowed(std::u16string_view text) {
-    std::string bytes;
-    bytes.reserve(text.size());
-    for (const char16_t unit : text)
-      bytes.push_back(static_cast<char>(unit));
+    std::string bytes(text.size(), '\0');
+    std::ranges::transform(text, bytes.begin(),
+                           [](char16_t unit) { return static_cast<char>(unit); });
     return bytes;
   }
 
-  /// No byte of it is zero or an option byte; the first characters tell which string it is.
-  static char16_t unit(bool is_wide, size_t which, size_t at) {
-    if (at < 2)
-      return static_cast<char16_t>('0' + (which >> (6 * at)) % 64 + (is_wide ? 0x4100 : 0));
-    const size_t low = 'a' + (at * 7 + which) % 26;
-    return static_cast<char16_t>(low + (is_wide ? 0x4100 + (at % 64) * 0x100 : 0));
+  /// No byte is zero or an option byte; the first characters tell which string it is.
+  static std::u16string text_of(bool is_wide, size_t which, size_t count) {
+    static const std::u16string patterns[] = {pattern(0), pattern(0x4100)};
+    std::u16string text = patterns[is_wide ? 1 : 0].substr(which % 32, count);
+    for (size_t at = 0; at < std::min<size_t>(2, count); ++at)
+      text[at] = static_cast<char16_t>((is_wide ? 0x4130 : 0x30) + (which >> (6 * at)) % 64);
+    return text;
+  }
+
+  static std::u16string pattern(size_t base) {
+    std::u16string text(65535 + 32, u'\0');
+    for (size_t at = 0; at < text.size(); ++at)
+      text[at] = static_cast<char16_t>(base + 'a' + ((at >> 3) ^ at) % 26);
+    return text;
   }
 
   std::deque<KeptString> texts_;
