@@ -155,15 +155,17 @@ TEST(SharedStringTable, NarrowAndWideTextsAreDifferentStrings) {
 }
 
 TEST(SharedStringTable, FindsEachOfManyTextsAgain) {
-  std::deque<std::string> texts;
-  for (int number = 0; number < 20000; ++number)
-    texts.push_back(std::to_string(number));
+  // So many that some of them have the same hash of 32 bits.
+  constexpr uint32_t kMany = 300000;
+  std::vector<std::string> texts(kMany);
+  for (uint32_t index = 0; index < kMany; ++index)
+    texts[index] = std::to_string(index);
   SharedStringTable table;
   for (uint32_t round = 1; round <= 2; ++round) {
-    for (uint32_t index = 0; index < texts.size(); ++index)
+    for (uint32_t index = 0; index < kMany; ++index)
       ASSERT_EQ(table.add(texts[index]), index);
-    EXPECT_EQ(table.stringsTotal(), 20000 * round);
-    EXPECT_EQ(table.uniqueStringsTotal(), 20000U);
+    EXPECT_EQ(table.stringsTotal(), kMany * round);
+    EXPECT_EQ(table.uniqueStringsTotal(), kMany);
   }
 }
 
@@ -188,8 +190,9 @@ TEST(SharedStringTable, IsEmptyAfterItWasCleared) {
   EXPECT_EQ(table.uniqueStringsTotal(), 0U);
   EXPECT_TRUE(table.continueIndices().empty());
   EXPECT_EQ(table.DataSize(), 8U);
-  EXPECT_EQ(table.add("second"), 0U);
+  EXPECT_EQ(table.add(text), 0U);
   EXPECT_EQ(table.add("first"), 1U);
+  EXPECT_EQ(table.uniqueStringsTotal(), 2U);
 }
 
 struct Layout {
