@@ -38,6 +38,8 @@ class Document {
   std::string stream();
 
  private:
+  bool succeeded(StorageStatus status) noexcept;
+
   CompoundStorage& files_;
   std::unique_ptr<CompoundFile> storage_;
   StorageStatus status_ = 0;

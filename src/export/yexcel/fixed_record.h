@@ -1,0 +1,48 @@
+// A record whose size is known beforehand.
+#pragma once
+
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "export/yexcel/record.h"
+
+namespace YExcel {
+
+/// Built on the stack and appended in one piece: cells are written by the million. All bytes of the
+/// body must be put.
+template <size_t kBody>
+class FixedRecord {
+ public:
+  static constexpr uint32_t kSize = kRecordHeader + kBody;
+
+  explicit FixedRecord(uint16_t code) noexcept {
+    put16(code);
+    put16(kBody);
+  }
+
+  void put16(uint16_t number) noexcept {
+    put8(static_cast<uint8_t>(number));
+    put8(static_cast<uint8_t>(number >> 8));
+  }
+  void put32(uint32_t number) noexcept {
+    put16(static_cast<uint16_t>(number));
+    put16(static_cast<uint16_t>(number >> 16));
+  }
+  void put_double(double number) noexcept {
+    const auto bits = std::bit_cast<uint64_t>(number);
+    put32(static_cast<uint32_t>(bits));
+    put32(static_cast<uint32_t>(bits >> 32));
+  }
+  void append_to(std::string& buffer) const { buffer.append(bytes_.data(), size_); }
+
+ private:
+  void put8(uint8_t number) noexcept { bytes_[size_++] = static_cast<char>(number); }
+
+  std::array<char, kSize> bytes_;
+  size_t size_ = 0;
+};
+
+}  // namespace YExcel
