@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <memory>
 
+#include "orlo/rstring.h"
+
 namespace ORLO {
 
 /// Outcome of one transfer. At the end of the file nothing is read, without an error.
@@ -49,8 +51,24 @@ std::unique_ptr<OverlappedRawFile> open_overlapped_raw_file(const char* file_nam
 /// null.
 std::unique_ptr<OverlappedRawFile> transfer_at_once(std::unique_ptr<RawFile> file);
 
+enum class StandardStream { output, error };
+
+/// A standard stream of the process, written from where it stands, whatever the offset. Null if
+/// there is none. What a program with windows was started with counts; where that is nothing, the
+/// console of the process that started it, which stays attached.
+std::unique_ptr<RawFile> open_standard_stream(StandardStream stream);
+
 /// Fails without a word, above all if there is no such file. Folders stay.
 void delete_file(const char* file_name) noexcept;
+
+/// Gives a file a new name in its folder; a file that has that name already is gone, unless it is
+/// in use or may only be read. 0, or the system's code of the failure, after which both files are
+/// as they were.
+uint32_t rename_file(const char* old_name, const char* new_name) noexcept;
+
+/// Creates an empty file in the folder of `neighbour`, with a name that no other file has: the
+/// name. Throws LWE.
+String create_temporary_file(const String& neighbour);
 
 /// Sets the calling thread's last error code.
 void set_last_error(uint32_t code) noexcept;

@@ -4,7 +4,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
+#include <cstdlib>
 
+#include "orlo/exception.h"
 #include "orlo/owned_handle.h"
 #include "orlo/raw_file.h"
 
@@ -47,6 +50,28 @@ class DescriptorFile final : public RawFile {
   const OwnedDescriptor descriptor_;
 };
 
+/// Written to from where it stands; a pipe has no offsets.
+class DescriptorStream final : public RawFile {
+ public:
+  explicit DescriptorStream(OwnedDescriptor descriptor) noexcept
+      : descriptor_(std::move(descriptor)) {}
+
+  Transfer read(uint64_t, char*, size_t) override { return {0, EBADF}; }
+
+  Transfer write(uint64_t, const char* block, size_t size) override {
+    Transfer all;
+    while (all.count < size && all.error == 0) {
+      const ssize_t count = ::write(descriptor_.get(), block + all.count, size - all.count);
+      if (count < 0) all.error = static_cast<uint32_t>(errno);
+      if (count > 0) all.count += static_cast<size_t>(count);
+    }
+    return all;
+  }
+
+ private:
+  const OwnedDescriptor descriptor_;
+};
+
 int creation(uint32_t disposition) noexcept {
   constexpr int kFlags[] = {0, O_CREAT | O_EXCL, O_CREAT | O_TRUNC, 0, O_CREAT, O_TRUNC};
   return disposition < std::size(kFlags) ? kFlags[disposition] : 0;
@@ -74,6 +99,30 @@ std::unique_ptr<OverlappedRawFile> open_overlapped_raw_file(const char* file_nam
                                                             FileAccess access, uint32_t disposition,
                                                             uint32_t share_mode, uint32_t flags) {
   return transfer_at_once(open_raw_file(file_name, access, disposition, share_mode, flags));
+}
+
+std::unique_ptr<RawFile> open_standard_stream(StandardStream stream) {
+  OwnedDescriptor descriptor(
+      ::dup(stream == StandardStream::output ? STDOUT_FILENO : STDERR_FILENO));
+  if (!descriptor) return nullptr;
+  return std::make_unique<DescriptorStream>(std::move(descriptor));
+}
+
+uint32_t rename_file(const char* old_name, const char* new_name) noexcept {
+  // The target's files that may only be read aren't replaced either.
+  if (::access(new_name, W_OK) != 0 && errno != ENOENT) return static_cast<uint32_t>(errno);
+  return std::rename(old_name, new_name) == 0 ? 0 : static_cast<uint32_t>(errno);
+}
+
+String create_temporary_file(const String& neighbour) {
+  const std::string path = neighbour.c_str();
+  const size_t slash = path.rfind('/');
+  std::string name = slash == std::string::npos ? "" : path.substr(0, slash + 1);
+  name += "zlvXXXXXX.tmp";
+  constexpr int kSuffix = 4;
+  const OwnedDescriptor created(::mkstemps(name.data(), kSuffix));
+  if (!created) throw LWE();
+  return name;
 }
 
 void delete_file(const char* file_name) noexcept {

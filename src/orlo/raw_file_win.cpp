@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "orlo/exception.h"
 #include "orlo/kernel_handles.h"
 #include "orlo/raw_file.h"
 
@@ -48,6 +49,43 @@ class HandleFile final : public RawFile {
  private:
   const OwnedFile file_;
 };
+
+/// Written to from where it stands: a file that is appended to keeps what it has.
+class HandleStream final : public RawFile {
+ public:
+  explicit HandleStream(OwnedFile file) noexcept : file_(std::move(file)) {}
+
+  Transfer read(uint64_t, char*, size_t) override { return {0, ERROR_INVALID_FUNCTION}; }
+
+  Transfer write(uint64_t, const char* block, size_t size) override {
+    DWORD count = 0;
+    const BOOL done = WriteFile(file_.get(), block, static_cast<DWORD>(size), &count, nullptr);
+    return result(done ? 0 : GetLastError(), count);
+  }
+
+ private:
+  const OwnedFile file_;
+};
+
+/// A handle of our own to what the process was started with; none if that is nothing.
+OwnedFile inherited_stream(StandardStream stream) {
+  const HANDLE inherited =
+      GetStdHandle(stream == StandardStream::output ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
+  if (inherited == nullptr || inherited == INVALID_HANDLE_VALUE) return OwnedFile();
+  HANDLE own = INVALID_HANDLE_VALUE;
+  const HANDLE process = GetCurrentProcess();
+  if (!DuplicateHandle(process, inherited, process, &own, 0, FALSE, DUPLICATE_SAME_ACCESS)) {
+    return OwnedFile();
+  }
+  return OwnedFile(own);
+}
+
+/// The console of the process that has started this one; none if that has none.
+OwnedFile console_stream() {
+  // It fails where a console is attached already, which is as good.
+  AttachConsole(ATTACH_PARENT_PROCESS);
+  return open("CONOUT$", FileAccess::write, OPEN_EXISTING, FILE_SHARE_READ | FILE_SHARE_WRITE, 0);
+}
 
 class OverlappedHandleFile final : public OverlappedRawFile {
  public:
@@ -127,6 +165,28 @@ std::unique_ptr<OverlappedRawFile> open_overlapped_raw_file(const char* file_nam
   OwnedFile file = open(file_name, access, disposition, share_mode, flags | FILE_FLAG_OVERLAPPED);
   if (!file) return nullptr;
   return std::make_unique<OverlappedHandleFile>(std::move(file));
+}
+
+std::unique_ptr<RawFile> open_standard_stream(StandardStream stream) {
+  OwnedFile file = inherited_stream(stream);
+  if (!file) file = console_stream();
+  if (!file) return nullptr;
+  return std::make_unique<HandleStream>(std::move(file));
+}
+
+uint32_t rename_file(const char* old_name, const char* new_name) noexcept {
+  return MoveFileExA(old_name, new_name, MOVEFILE_REPLACE_EXISTING) ? 0 : GetLastError();
+}
+
+String create_temporary_file(const String& neighbour) {
+  const std::string path = neighbour.c_str();
+  const size_t end = path.find_last_of("\\/:");
+  std::string folder = end == std::string::npos ? "." : path.substr(0, end + 1);
+  // What follows a drive's letter alone lies in the folder that is current there.
+  if (folder.back() == ':') folder += '.';
+  char name[MAX_PATH] = "";
+  if (GetTempFileNameA(folder.c_str(), "zlv", 0, name) == 0) throw LWE();
+  return name;
 }
 
 void delete_file(const char* file_name) noexcept {

@@ -11,9 +11,13 @@ struct Switches {
   bool noUpdate = false;
   bool german = false;
   bool english = false;
+  bool doExport = false;
+  String exportFile;  ///< empty if "-export" is the last word
 };
 
-/// A switch counts wherever it stands in the command line, inside a longer argument too.
+/// A switch counts wherever it stands in the command line, inside a longer argument too. Only
+/// "-export" is a word of its own, and the word after it, in quotes where it has blanks, is the
+/// file, in which no switch is looked for.
 Switches read_switches(const char* command_line);
 
 /// Locale id of the user interface for a primary language id: German or English (UK).

@@ -32,6 +32,60 @@ TEST(Switches, CountWhereverTheyStand) {
   }
 }
 
+TEST(Switches, TheWordAfterExportIsTheFile) {
+  struct Case {
+    const char* command_line;
+    bool given;
+    const char* file;
+  };
+  const Case cases[] = {
+      {"-export list.xls", true, "list.xls"},
+      {"  -export \t list.xls ", true, "list.xls"},
+      {"-nopersist -export C:\\a.csv -ger", true, "C:\\a.csv"},
+      {"-export \"C:\\My files\\a b.csv\" -ger", true, "C:\\My files\\a b.csv"},
+      {"-export C:\\\"My files\"\\a.csv", true, "C:\\My files\\a.csv"},
+      {"-export \"C:\\My files\\", true, "C:\\My files\\"},
+      {"\"-export\" -", true, "-"},
+      {"-export", true, ""},
+      {"-export ", true, ""},
+      {"-export \"\"", true, ""},
+      {"-export \" \"", true, " "},
+      {"-export a -export b", true, "a"},
+      {"-export -export", true, "-export"},
+      {"x-export a", false, ""},
+      {"-exports a", false, ""},
+      {"-export=a", false, ""},
+      {"-Export a", false, ""},
+      {"\"x -export a\"", false, ""},
+      {"", false, ""},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.command_line);
+    const Switches switches = read_switches(c.command_line);
+    EXPECT_EQ(switches.doExport, c.given);
+    EXPECT_STREQ(switches.exportFile.c_str(), c.file);
+  }
+}
+
+TEST(Switches, TheExportsFileHoldsNone) {
+  const Switches none = read_switches("-export x-german-eng-postupdate-nopersist-noupdate.xls");
+  EXPECT_FALSE(none.german || none.english || none.postUpdate || none.noPersist || none.noUpdate);
+  EXPECT_FALSE(read_switches("-export \"a -ger b.xls\"").german);
+  EXPECT_FALSE(read_switches("-postup -export date.xls").postUpdate);
+  EXPECT_FALSE(read_switches("-p -export \"o\"stupdate").postUpdate);
+}
+
+TEST(Switches, OthersHoldBesideTheExport) {
+  for (const char* command_line : {"-export a.xls -ger -noupdate", "-ger -noupdate -export a.xls",
+                                   "-ger -export \"a b\" -noupdate"}) {
+    SCOPED_TRACE(command_line);
+    const Switches switches = read_switches(command_line);
+    EXPECT_TRUE(switches.german && switches.noUpdate && switches.doExport);
+    EXPECT_FALSE(switches.english || switches.postUpdate || switches.noPersist);
+  }
+  EXPECT_TRUE(read_switches("-export a.xls -postupdate").postUpdate);
+}
+
 TEST(Language, GermanWinsOverEnglish) {
   UninstallPara para;
   EXPECT_EQ(choose_language(read_switches("-eng -ger"), para), 0x407u);
