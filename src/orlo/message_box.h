@@ -25,4 +25,13 @@ inline constexpr int kAnswerCancel = 2;
 /// own, with the module's captions; without it, or where that can't be, the system's.
 int message_box(void* window, const char* text, const char* caption, uint32_t flags) noexcept;
 
+/// Answers in the user's place, on whatever thread; may end the process instead.
+using BoxAnswer = int (*)(const char* text, const char* caption, uint32_t flags) noexcept;
+/// From here on no box appears: a run that nobody watches would wait for ever. Null lets them
+/// appear again.
+void answer_boxes_with(BoxAnswer answer) noexcept;
+
+/// The box itself. Chosen at link time.
+int show_message_box(void* window, const char* text, const char* caption, uint32_t flags) noexcept;
+
 }  // namespace ORLO

@@ -4,7 +4,7 @@
 
 namespace ORLO {
 
-int message_box(void*, const char* text, const char* caption, uint32_t) noexcept {
+int show_message_box(void*, const char* text, const char* caption, uint32_t) noexcept {
   std::fprintf(stderr, "%s: %s\n", caption, text);
   return kAnswerOk;
 }

@@ -188,7 +188,7 @@ INT_PTR own_box(HWND owner, const char* text, const char* caption, uint32_t flag
 
 }  // namespace
 
-int message_box(void* window, const char* text, const char* caption, uint32_t flags) noexcept {
+int show_message_box(void* window, const char* text, const char* caption, uint32_t flags) noexcept {
   // An owner that has gone meanwhile would keep the box from appearing.
   const HWND owner = IsWindow(static_cast<HWND>(window)) ? static_cast<HWND>(window) : nullptr;
   try {

@@ -38,7 +38,8 @@ inline bool in_shutdown() noexcept {
   return InShutDown != 0;
 }
 
-/// Replaces the box, for tests: gets caption and text. An empty function brings the box back.
+/// Replaces the box, for tests and for runs that nobody watches: gets caption and text. An empty
+/// function brings the box back.
 using ReportSink = std::function<void(const String& caption, const String& text)>;
 void set_report_sink(ReportSink sink);
 

@@ -24,5 +24,5 @@ struct ProgramServices {
 };
 
 /// Runs from the marks of the process to the end of the main dialog: the process's exit code, 0
-/// after a normal end. A failure has been reported when it returns 1.
+/// after a normal end. A failure has been reported when it returns 1, or 2 for an export.
 int run_program(HINSTANCE instance, const char* command_line, const ProgramServices& services);

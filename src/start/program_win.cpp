@@ -9,6 +9,7 @@
 #include "persist/configuration.h"
 #include "platform/language.h"
 #include "platform/system_version.h"
+#include "start/export_run.h"
 #include "start/post_update.h"
 #include "start/switches.h"
 #include "platform/resource_ids.h"
@@ -49,14 +50,15 @@ void init_list_views() {
   InitCommonControlsEx(&classes);
 }
 
+UninstallReader::Services reader_services(const ProgramServices& program) {
+  return {program.registry, program.files,    program.clock,    program.installer,  program.wmi,
+          program.accounts, system_version(), under_wow64(),    &applyThreadLanguage};
+}
+
 int show_main_dialog(HINSTANCE instance, const UninstallPara& para,
                      const ProgramServices& program) {
   const Resources resources(instance, static_cast<uint16_t>(ui_locale_id()));
-  const DialogServices services{
-      {program.registry, program.files, program.clock, program.installer, program.wmi,
-       program.accounts, system_version(), under_wow64(), &applyThreadLanguage},
-      program.shell,
-      program.icons};
+  const DialogServices services{reader_services(program), program.shell, program.icons};
   const INT_PTR result =
       ORLO::Dialog::DoModal(instance, resources.dialog(IDD_MAIN), nullptr, [&](HWND window) {
         return std::make_unique<UninstallDlg>(window, std::make_unique<UninstallDlgPara>(para),
@@ -93,6 +95,7 @@ int run_program(HINSTANCE instance, const char* command_line, const ProgramServi
   mark_process();
   const Switches switches = read_switches(command_line);
   if (switches.postUpdate) return clean_up_after_update();
+  if (switches.doExport) return run_export(instance, switches, reader_services(services));
   try {
     return run(instance, switches, services);
   } catch (const ORLO::Exception& exception) {
