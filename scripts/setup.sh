@@ -14,11 +14,16 @@ readonly build_packages=(
 wine_packages=(wine wine32:i386 wine64 fonts-wine)
 readonly screen_packages=(xvfb openbox xdotool imagemagick x11-utils python3)
 readonly run_packages=(locales tzdata)
-# cmake: with ctest in it. wixl: builds the packages that the tests install.
-readonly test_run_packages=(cmake libchm-bin python3-pytest python3-pytest-xdist wixl)
+# cmake: with ctest in it. wixl: builds the packages that the tests install. What reads the exports
+# back: of workbooks python3-xlrd, ssconvert (gnumeric), LibreOffice and xls2csv (catdoc), of the
+# file around them python3-olefile and gsf (libgsf-bin), of JSON lines jq.
+readonly test_run_packages=(
+  cmake libchm-bin python3-pytest python3-pytest-xdist wixl
+  catdoc gnumeric jq libgsf-bin libreoffice-calc-nogui python3-olefile python3-xlrd)
+# python3-xlwt: writes workbooks for the bench to compare with.
 readonly test_packages=(
   clang clang-format clang-tidy g++ g++-mingw-w64-x86-64-posix libbenchmark-dev
-  libclang-rt-14-dev libgmock-dev libgtest-dev libxml2-dev shellcheck)
+  libclang-rt-14-dev libgmock-dev libgtest-dev libxml2-dev python3-xlwt shellcheck)
 # "NAME SOURCE", as localedef takes them.
 readonly wanted_locales=("en_GB.UTF-8 en_GB" "de_DE.UTF-8 de_DE")
 
