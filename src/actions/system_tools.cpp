@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "actions/shell_command.h"
+#include "actions/shown_wait_cursor.h"
 #include "orlo/exception.h"
 
 namespace {
@@ -12,17 +13,6 @@ namespace {
 constexpr char kMsiCleanup[] = "launching msicuu.exe";
 constexpr char kCleanupKey[] = "SOFTWARE\\Microsoft\\Shared Tools\\MSInfo\\Tools\\MsiCU";
 constexpr uint32_t kClassValueRoom = 260;
-
-class WaitCursorShown {
- public:
-  explicit WaitCursorShown(ActionFrame& frame) : frame_(frame) { frame_.begin_wait_cursor(); }
-  ~WaitCursorShown() { frame_.end_wait_cursor(); }
-  WaitCursorShown(const WaitCursorShown&) = delete;
-  WaitCursorShown& operator=(const WaitCursorShown&) = delete;
-
- private:
-  ActionFrame& frame_;
-};
 
 /// The default value of a key of the types of files, of up to 259 characters.
 std::optional<String> class_value(Registry& registry, const char* path) {
@@ -122,7 +112,7 @@ void SystemTools::open(const String& text) {
 }
 
 void SystemTools::open_busy(const String& text) {
-  const WaitCursorShown shown(parts_.frame);
+  const ShownWaitCursor shown(parts_.frame);
   open(text);
 }
 

@@ -38,7 +38,7 @@ void write_csv(const ExportSheet& sheet, ORLO::OutFile& file) {
 }
 
 void writeCsv(const ExportSheet& sheet, const String& fileName) {
-  const ORLO::ExceptionContext context("Writing file", fileName);
+  const ORLO::ExceptionContext context("writing file", fileName);
   auto opened = ORLO::open_overlapped_raw_file(fileName.c_str(), ORLO::FileAccess::write,
                                                ORLO::kCreateAlways, ORLO::kShareRead, 0);
   if (opened == nullptr) throw ORLO::LWE();

@@ -9,7 +9,8 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR command_line, int) {
   const auto installer = make_system_installer();
   const auto wmi = make_system_wmi();
   const auto accounts = make_system_accounts();
-  return run_program(
-      instance, command_line,
-      {*registry, *files, ORLO::system_clock(), *shell, *icons, *installer, *wmi, *accounts});
+  const auto storage = make_system_storage();
+  return run_program(instance, command_line,
+                     {*registry, *files, ORLO::system_clock(), *shell, *icons, *installer, *wmi,
+                      *accounts, *storage});
 }

@@ -4,6 +4,7 @@
 #include "orlo/clock.h"
 #include "orlo/orlowin.h"
 #include "platform/accounts.h"
+#include "platform/compound_storage.h"
 #include "platform/files.h"
 #include "platform/icons.h"
 #include "platform/installer.h"
@@ -21,6 +22,7 @@ struct ProgramServices {
   Installer& installer;
   Wmi& wmi;
   Accounts& accounts;
+  CompoundStorage& storage;
 };
 
 /// Runs from the marks of the process to the end of the main dialog: the process's exit code, 0

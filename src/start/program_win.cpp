@@ -8,11 +8,11 @@
 #include "orlo/report.h"
 #include "persist/configuration.h"
 #include "platform/language.h"
+#include "platform/resource_ids.h"
 #include "platform/system_version.h"
 #include "start/export_run.h"
 #include "start/post_update.h"
 #include "start/switches.h"
-#include "platform/resource_ids.h"
 #include "view/uninstall_dlg.h"
 // These need what orlowin.h brings.
 #include <objbase.h>
@@ -51,14 +51,15 @@ void init_list_views() {
 }
 
 UninstallReader::Services reader_services(const ProgramServices& program) {
-  return {program.registry, program.files,    program.clock,    program.installer,  program.wmi,
-          program.accounts, system_version(), under_wow64(),    &applyThreadLanguage};
+  return {program.registry, program.files,    program.clock, program.installer,   program.wmi,
+          program.accounts, system_version(), under_wow64(), &applyThreadLanguage};
 }
 
 int show_main_dialog(HINSTANCE instance, const UninstallPara& para,
                      const ProgramServices& program) {
   const Resources resources(instance, static_cast<uint16_t>(ui_locale_id()));
-  const DialogServices services{reader_services(program), program.shell, program.icons};
+  const DialogServices services{reader_services(program), program.shell, program.icons,
+                                program.storage};
   const INT_PTR result =
       ORLO::Dialog::DoModal(instance, resources.dialog(IDD_MAIN), nullptr, [&](HWND window) {
         return std::make_unique<UninstallDlg>(window, std::make_unique<UninstallDlgPara>(para),

@@ -4,8 +4,8 @@
 #include <string>
 
 #include "orlo/orlowin.h"
-#include "view/addresses.h"
 #include "platform/resource_ids.h"
+#include "view/addresses.h"
 #include "view/resources.h"
 
 namespace {

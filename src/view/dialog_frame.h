@@ -7,6 +7,7 @@
 
 #include "actions/action_frame.h"
 #include "inventory/refresh_cycle.h"
+#include "orlo/file_dialog.h"
 #include "orlo/wait_cursor.h"
 
 class DialogFrame : public ActionFrame {
@@ -31,6 +32,8 @@ class DialogFrame : public ActionFrame {
   bool closing() const override { return parts_.closing(); }
   void requestRefresh() override { parts_.requestRefresh(); }
 
+  /// The name of a file to be saved; empty if the user has cancelled, or the window is closing.
+  String ask_file_name(const ORLO::SaveFileDialog& dialog);
   /// A box that says something about what the user wants.
   void inform(const String& text, const String& title);
   /// Opens a dialog of the window's and waits for its end. None opens any more, neither here nor

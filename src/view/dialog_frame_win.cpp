@@ -63,6 +63,15 @@ int DialogFrame::box(const String& text, const String& title, unsigned flags) {
   return answer;
 }
 
+String DialogFrame::ask_file_name(const ORLO::SaveFileDialog& dialog) {
+  String name;
+  show([&] {
+    const ORLO::ModalScope modal;
+    name = dialog.ask(parts_.window);
+  });
+  return parts_.closing() || quitting() ? String() : name;
+}
+
 void DialogFrame::begin_wait_cursor() {
   wait_cursors_.push_back(std::make_unique<ORLO::WaitCursor>());
 }

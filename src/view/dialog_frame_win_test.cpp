@@ -134,6 +134,23 @@ TEST_F(DialogFrameTest, BoxesOnTopOfBoxesAreAllClosed) {
   EXPECT_EQ(box(), nullptr);
 }
 
+TEST_F(DialogFrameTest, ASaveDialogThatIsOpenIsClosedAndGivesNoName) {
+  ORLO::SaveFileDialog dialog;
+  dialog.title = kTitle;
+  dialog.file_name = "Software.xls";
+  const LaterScript script([this] { close_all(); }, 50);
+  EXPECT_TRUE(frame_.ask_file_name(dialog).empty());
+  EXPECT_TRUE(closed_);
+}
+
+TEST_F(DialogFrameTest, NoFileNameIsAskedForWhenTheWindowIsClosing) {
+  closing_ = true;
+  ORLO::SaveFileDialog dialog;
+  dialog.title = kTitle;
+  const LaterScript script(&DialogFrameTest::end_leftover_box);
+  EXPECT_TRUE(frame_.ask_file_name(dialog).empty());
+}
+
 TEST_F(DialogFrameTest, WithNoBoxOpenThereIsNoneToClose) {
   EXPECT_FALSE(frame_.close_boxes());
   frame_.show([] {});

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "inventory/reader.h"
+#include "platform/compound_storage.h"
 #include "platform/icons.h"
 #include "platform/shell.h"
 
@@ -10,4 +11,5 @@ struct DialogServices {
   UninstallReader::Services reader;
   Shell& shell;
   IconExtractor& icons;
+  CompoundStorage& storage;
 };

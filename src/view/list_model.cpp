@@ -185,6 +185,12 @@ void ListModel::visit_icons(const Visitor& visitor) {
   }
 }
 
+void ListModel::visit_packages(
+    const std::function<void(const UninstallEntry& entry)>& visitor) const {
+  for (const auto& item : entries_)
+    visitor(item.second.entry);
+}
+
 const String& ListModel::cellText(uint32_t id, int column) {
   const UninstallEntry* entry = find(id);
   cell_ = entry != nullptr ? cell_text(*entry, column, texts_) : String();

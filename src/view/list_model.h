@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 
@@ -52,8 +53,11 @@ class ListModel : public InventoryView, public IconRows {
   /// Null for an id that is gone. Valid until the entry is removed.
   const UninstallEntry* find(uint32_t id) const;
   size_t size() const noexcept { return entries_.size(); }
+  /// Shows every package, in the order of the ids.
+  void visit_packages(const std::function<void(const UninstallEntry& entry)>& visitor) const;
 
   int type() const noexcept { return type_; }
+  const ShowFlags& flags() const noexcept { return flags_; }
   const SortState& sort_state() const noexcept { return sort_; }
   const Search& search() const noexcept { return search_; }
   /// Gains an entry for every icon of a row that is shown. No entry may be taken out.

@@ -213,6 +213,29 @@ TEST_F(ListModelTest, ClearingForgetsEverythingButTheFilter) {
   EXPECT_EQ(list_.ids(), std::vector<uint32_t>{2});
 }
 
+TEST_F(ListModelTest, AVisitMeetsAllPackagesInTheOrderOfTheirIdsWhateverIsShown) {
+  model_.applyEntry(make_entry("b", "01.02.2012"));
+  model_.applyEntry(make_entry("gone"));
+  UninstallEntry hidden = make_entry("hidden");
+  hidden.systemComponent = 1;
+  model_.applyEntry(hidden);
+  model_.applyEntry(make_entry("a", "01.02.2013"));
+  model_.removeEntry(make_key("gone"));
+  Names visited;
+  model_.visit_packages(
+      [&](const UninstallEntry& entry) { visited.emplace_back(entry.name.c_str()); });
+  EXPECT_EQ(visited, (Names{"b", "hidden", "a"}));
+}
+
+TEST_F(ListModelTest, FlagsFollowTheTypeSelection) {
+  EXPECT_FALSE(model_.flags().showSystemComponents);
+  model_.selectType(kTypeSystemComponents);
+  EXPECT_TRUE(model_.flags().showSystemComponents);
+  EXPECT_FALSE(model_.flags().showUnnamed);
+  model_.selectType(kTypeAll);
+  EXPECT_TRUE(model_.flags().showUnnamed);
+}
+
 TEST_F(ListModelTest, BatchReachesTheControlInOnePassFromTheTop) {
   model_.applyEntry(make_entry("b", "01.02.2012"));
   list_.told();

@@ -6,9 +6,9 @@
 #include <initializer_list>
 #include <memory>
 
+#include "platform/resource_ids.h"
 #include "view/entry_test_support.h"
 #include "view/recording_list_test_support.h"
-#include "platform/resource_ids.h"
 #include "view/resources.h"
 
 namespace {

@@ -10,19 +10,19 @@
 #include "orlo/window_helpers.h"
 #include "persist/configuration.h"
 #include "platform/language.h"
+#include "platform/resource_ids.h"
 #include "view/about_zolvane.h"
 #include "view/addresses.h"
 #include "view/help.h"
 #include "view/legend_dlg.h"
-#include "platform/resource_ids.h"
 #include "view/uninstall_dlg.h"
 #include "view/window_restart.h"
 
 namespace {
 
 // Commands whose work isn't there yet. They say so.
-constexpr unsigned kPendingCommands[] = {ID_EXPORT,  ID_CHECK_VERSION, ID_SHOW_PAD,
-                                         ID_PATCHES, ID_FEATURES,      ID_MSI_CONTENT};
+constexpr unsigned kPendingCommands[] = {ID_CHECK_VERSION, ID_SHOW_PAD, ID_PATCHES, ID_FEATURES,
+                                         ID_MSI_CONTENT};
 
 int selection_of(HWND combo) {
   return static_cast<int>(SendMessageA(combo, CB_GETCURSEL, 0, 0));
@@ -65,6 +65,7 @@ LRESULT UninstallDlg::Command(unsigned id, unsigned code, HWND sender) {
       {ID_BUG_REPORT, kAnyCode, &UninstallDlg::show_issue_tracker},
       {ID_ABOUT, kAnyCode, &UninstallDlg::show_about},
       {ID_COPY, kAnyCode, &UninstallDlg::copy_cell},
+      {ID_EXPORT, kGiven, &UninstallDlg::export_list},
   };
   for (const auto& row : kCommands) {
     if (row.id != id) continue;
@@ -174,6 +175,22 @@ void UninstallDlg::show_about() {
 
 void UninstallDlg::copy_cell() {
   if (const String text = clicked_.text(); !text.empty()) ORLO::copy_to_clipboard(text, _hwnd);
+}
+
+void UninstallDlg::export_list() {
+  if (!ending()) export_.exportList();
+}
+
+bool UninstallDlg::visit_packages(const Visitor& visitor) {
+  const ListIcons::Pause pause(icons_);
+  const ORLO::LockWithMessages held(listLock);
+  if (held) model_.visit_packages(visitor);
+  return static_cast<bool>(held);
+}
+
+ExportFilter UninstallDlg::export_filter() const {
+  const ShowFlags& flags = model_.flags();
+  return {flags.showUnnamed, flags.showSystemComponents};
 }
 
 bool UninstallDlg::start_action(unsigned command) {

@@ -6,6 +6,7 @@
 #include <optional>
 #include <utility>
 
+#include "export/list_export.h"
 #include "inventory/refresh_cycle.h"
 #include "orlo/dialog_mixins.h"
 #include "orlo/flat_button.h"
@@ -24,7 +25,8 @@
 #include "view/uninstall_dlg_para.h"
 
 class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORLO::DlgController>>,
-                     private RefreshFrame {
+                     private RefreshFrame,
+                     private ExportedList {
  public:
   /// Resources and services must outlive the dialog.
   UninstallDlg(HWND window, std::unique_ptr<UninstallDlgPara> para, const Resources& resources,
@@ -61,6 +63,7 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   void show_issue_tracker();
   void switch_language();
   void copy_cell();
+  void export_list();
   /// False if the command isn't one of the package actions and tools. An action waits for the end
   /// of a refresh that is running, which else would have to wait for the installer.
   bool start_action(unsigned command);
@@ -119,6 +122,10 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   void shut_down();
   void keep_settings() noexcept;
 
+  // ExportedList
+  bool visit_packages(const Visitor& visitor) override;
+  ExportFilter export_filter() const override;
+
   // RefreshFrame
   void forget_entries() override;
   void begin_wait() override;
@@ -166,5 +173,6 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   RefreshCycle cycle_;
   DialogFrame frame_;
   ActionCommands actions_;
+  ListExport export_;
   ListIcons icons_;
 };

@@ -18,8 +18,9 @@
 #include "platform/icons.h"
 #include "platform/memory_registry.h"
 #include "platform/memory_shell.h"
-#include "view/later_script_test_support.h"
+#include "platform/memory_storage.h"
 #include "platform/resource_ids.h"
+#include "view/later_script_test_support.h"
 #include "view/uninstall_dlg.h"
 
 /// Holds the threads that come by, while it is shut, until it is opened.
@@ -134,9 +135,9 @@ class UninstallDlgTest : public testing::Test {
         resources.module(), resources.dialog(IDD_MAIN), nullptr, [&](HWND made) {
           window = made;
           list = GetDlgItem(made, IDC_LIST);
-          return std::make_unique<UninstallDlg>(made, std::make_unique<UninstallDlgPara>(para),
-                                                resources,
-                                                DialogServices{reader_services(), shell, icons});
+          return std::make_unique<UninstallDlg>(
+              made, std::make_unique<UninstallDlgPara>(para), resources,
+              DialogServices{reader_services(), shell, icons, storage});
         });
   }
 
@@ -198,6 +199,7 @@ class UninstallDlgTest : public testing::Test {
   MemorySystem system;
   MemoryFiles& files = system.files;
   MemoryShell shell;
+  MemoryStorage storage;
   GatedIcons icons;
   HWND window = nullptr;
   HWND list = nullptr;

@@ -143,6 +143,11 @@ UninstallDlg::UninstallDlg(HWND window, std::unique_ptr<UninstallDlgPara> dialog
           {window, cycle_, [this] { return closing || ending(); }, [this] { requestRefresh(); }}),
       actions_({services.reader.files, services.shell, services.reader.registry, frame_},
                [&resources](unsigned id) { return resources.text(id); }),
+      export_({{services.reader.files, services.shell, services.reader.registry, frame_},
+               services.storage,
+               *this,
+               [this](const ORLO::SaveFileDialog& dialog) { return frame_.ask_file_name(dialog); },
+               [&resources](unsigned id) { return resources.text(id); }}),
       icons_({window, list_.window(), model_, listLock, services.icons, services.reader.files, run_,
               services.reader.apply_thread_language},
              resources.module()) {

@@ -40,7 +40,7 @@ PENDING_TEXTS = {
 ABOUT, SHOW_ALL_COLUMNS, BUG_REPORT, EXIT_KEY = 16, 2017, 32790, 32769
 HOME_PAGE, MAIL = 1012, 1011
 # What can be given at any time, and what only on a 32-bit system or with an editor for MSI files.
-PENDING = (1024, 32788, 2008)
+PENDING = (32788, 2008)
 GREY_HERE = (2007, 2006, 2014)
 # What needs something that none of these packages has.
 NEEDY = (1032, 1023, 2013, 2016)

@@ -230,7 +230,8 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR command_line, int) {
   const auto wmi = make_system_wmi();
   HeldWmi held_wmi(*wmi, points);
   const auto accounts = make_system_accounts();
-  return run_program(
-      instance, command_line,
-      {held_registry, *files, clock, *shell, held_icons, held_installer, held_wmi, *accounts});
+  const auto storage = make_system_storage();
+  return run_program(instance, command_line,
+                     {held_registry, *files, clock, *shell, held_icons, held_installer, held_wmi,
+                      *accounts, *storage});
 }

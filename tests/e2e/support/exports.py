@@ -1,0 +1,147 @@
+"""What an export has to hold, worked out apart from the program's code; readers of workbooks that
+come from elsewhere; and the dialog that asks for the file's name."""
+
+import csv
+import io
+import subprocess
+import tempfile
+from pathlib import Path
+
+import xlrd
+
+from . import rules
+from .program import eventually
+from .window import CANCEL, NO, OK, YES, Box
+
+EXPORT = 1024
+DIALOG_TITLES = {"english": "Export software list...", "german": "Export der Software-Liste..."}
+FILE_NAME, FILE_TYPE = 1148, 1136
+
+TITLES = {
+    "english": [
+        "Program Name", "Uninstall Entry", "Source", "Version", "Parent entry", "Parent",
+        "Installation Date", "Uninstall Date", "Size", "Uninstall Command", "Modify Command",
+        "Icon", "Installer path", "last usage", "Package path", "Features", "Patches", "64 Bit",
+        "System Component", "Usage Frequency", "Comment", "User", "Publisher", "Contact",
+        "Help URL", "Help phone", "About URL", "Update URL", "changes"],
+    "german": [
+        "Programmname", "Uninstall-Eintrag", "Quelle", "Version", "Parent-Eintrag", "Parent",
+        "Installations-Datum", "Deinstallations-Datum", "Gr\u00f6\u00dfe", "Uninstall-Kommando",
+        "Modify-Kommando", "Icon", "Installer-Pfad", "letzter Start", "Paketpfad", "Features",
+        "Patches", "64 Bit", "Systemkomponente", "H\u00e4ufigkeit", "Kommentar", "User",
+        "Hersteller", "Kontakt", "Support-URL", "Support-Telefonnr.", "Info-URL", "Update-URL",
+        "\u00c4nderungen"],
+}
+
+
+def cells(row):
+    """The texts of the 29 columns of a row of the rules."""
+    return [
+        row["displayName"], row["name"], row["source"], row["displayVersion"], row["parent"],
+        row["parentName"], row["installDate"], row["uninstallDate"], rules.size_text(row["size"]),
+        row["uninstallCmd"], row["modifyCmd"], row["displayIcon"], row["installLocation"],
+        row["lastUseDate"], row["packagePath"], str(row["features"]), str(row["patches"]),
+        rules.yes_no(row["is64"]), rules.yes_no(row["systemComponent"]), row["frequency"],
+        row["comments"], row["user"], row["publisher"], row["contact"], row["helpURL"],
+        row["helpPhone"], row["aboutURL"], row["updateURL"], "",
+    ]
+
+
+def sheet_of(world, language="english", unnamed=False, components=False):
+    """The lines of an export, that of the titles first; packages stand in the order in which the
+    first refresh has brought them."""
+    return [TITLES[language]] + [
+        cells(row) for row in rules.read_all(world)
+        if (unnamed or row["displayName"]) and (components or not row["systemComponent"])]
+
+
+def csv_bytes(sheet):
+    """A field with a semicolon in quotes, each followed by a semicolon."""
+    return "".join(
+        "".join(f'"{field}";' if ";" in field else f"{field};" for field in line) + "\n"
+        for line in sheet).encode("cp1252")
+
+
+def shown_in_workbook(text):
+    """What readers make of a text. A workbook's 8-bit characters are the first 256 of Unicode,
+    which are those of the code page but for the 32 from 0x80 on."""
+    return text.encode("cp1252").decode("latin-1")
+
+
+def without_returns(sheet):
+    """For readers that make one line end of all."""
+    return [[cell.replace("\r\n", "\n").replace("\r", "\n") for cell in line] for line in sheet]
+
+
+def run(*command, **more):
+    return subprocess.run([str(word) for word in command], check=True, stdin=subprocess.DEVNULL,
+                          stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, timeout=300,
+                          **more).stdout
+
+
+def parsed(text, **form):
+    return list(csv.reader(io.StringIO(text, newline=""), **form))
+
+
+def read_by_xlrd(file):
+    sheet = xlrd.open_workbook(str(file)).sheet_by_index(0)
+    return [[cell.value for cell in line] for line in sheet.get_rows()]
+
+
+def read_by_gnumeric(file):
+    with tempfile.TemporaryDirectory() as folder:
+        run("ssconvert", "-T", "Gnumeric_stf:stf_assistant", "-O",
+            "separator=, quoting-mode=always charset=UTF-8 eol=unix", file, f"{folder}/made.csv")
+        return parsed(Path(folder, "made.csv").read_bytes().decode())
+
+
+def read_by_libreoffice(file):
+    """Separator, quote, UTF-8, from line 1, cells as shown, all texts quoted."""
+    with tempfile.TemporaryDirectory() as folder:
+        run("soffice", f"-env:UserInstallation=file://{folder}/profile", "--headless",
+            "--convert-to", "csv:Text - txt - csv (StarCalc):44,34,76,1,,0,true,true,false",
+            "--outdir", folder, file)
+        (made,) = Path(folder).glob("*.csv")
+        return parsed(made.read_bytes().decode())
+
+
+def read_by_catdoc(file):
+    """Ends at the first form feed, which divides the sheets."""
+    return parsed(run("xls2csv", "-q", "3", "-b", "\f", "-d", "utf-8", file).decode()
+                  .split("\f")[0])
+
+
+READERS = {"xlrd": read_by_xlrd, "Gnumeric": read_by_gnumeric,
+           "LibreOffice": read_by_libreoffice, "catdoc": read_by_catdoc}
+
+
+class SaveDialog(Box):
+    """The system's dialog for the name of a file, open above the window."""
+
+    def __init__(self, window):
+        self.window = window
+        super().__init__(window.desk, window.box(DIALOG_TITLES[window.language]).handle)
+        # Until all of it is there.
+        eventually(lambda: self.name() == "Software.xls", lambda: f"the name {self.name()!r}")
+
+    @classmethod
+    def of(cls, window):
+        window.post(EXPORT)
+        return cls(window)
+
+    def name(self):
+        return self.desk.driver("text", self.handle, FILE_NAME)
+
+    def save_as(self, name):
+        """Presses Save without waiting for the dialog's end."""
+        self.desk.driver("set-text", self.handle, FILE_NAME, name)
+        self.desk.driver("post", self.handle, 0x111, OK, 0)
+
+    def question(self):
+        """The box that asks whether a file is to be replaced."""
+        def found():
+            return [box for box in self.window.boxes() if box["owner"] == self.handle]
+        return Box(self.desk, eventually(found, "a question above the dialog")[0]["handle"])
+
+
+__all__ = ["CANCEL", "NO", "YES", "SaveDialog", "sheet_of", "csv_bytes"]
