@@ -1,6 +1,5 @@
 #include "export/yexcel/record.h"
 
-#include <algorithm>
 #include <bit>
 
 namespace YExcel {
@@ -40,21 +39,14 @@ void put_wide(std::string& to, std::u16string_view text) {
     put16(to, unit);
 }
 
-uint32_t write_record(std::string& buffer, uint16_t code, std::string_view body,
-                      const std::vector<uint32_t>& continue_indices) {
+uint32_t write_record(std::string& buffer, uint16_t code, std::string_view body) {
   const size_t before = buffer.size();
-  size_t from = 0;
-  const auto put_until = [&](size_t end) {
-    put_piece(buffer, from == 0 ? code : kContinueCode, body.substr(from, end - from));
-    from = end;
-  };
-  for (const uint32_t index : continue_indices)
-    put_until(index);
-  if (continue_indices.empty()) {
-    while (body.size() - from > kLongestBody)
-      put_until(from + kLongestBody);
+  while (body.size() > kLongestBody) {
+    put_piece(buffer, code, body.substr(0, kLongestBody));
+    body.remove_prefix(kLongestBody);
+    code = kContinueCode;
   }
-  put_until(body.size());
+  put_piece(buffer, code, body);
   return static_cast<uint32_t>(buffer.size() - before);
 }
 

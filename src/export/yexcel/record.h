@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace YExcel {
 
@@ -23,10 +22,9 @@ void put_double(std::string& to, double number);
 /// Two bytes for each unit.
 void put_wide(std::string& to, std::u16string_view text);
 
-/// Appends a record. The body is cut at `continue_indices`, offsets in it in rising order, or, if
-/// there are none, after each full 8,224 bytes. Returns how many bytes were appended.
-uint32_t write_record(std::string& buffer, uint16_t code, std::string_view body,
-                      const std::vector<uint32_t>& continue_indices = {});
+/// Appends a record. The body goes on in a CONTINUE record after each full 8,224 bytes. Returns how
+/// many bytes were appended.
+uint32_t write_record(std::string& buffer, uint16_t code, std::string_view body);
 
 /// Bytes of a record with its header, by the size of its body.
 constexpr uint32_t short_record_size(uint32_t body) {

@@ -7,9 +7,9 @@
 namespace YExcel {
 namespace {
 
-std::string record(std::string_view body, const std::vector<uint32_t>& continue_indices = {}) {
+std::string record(std::string_view body) {
   std::string buffer;
-  write_record(buffer, 0x1234, body, continue_indices);
+  write_record(buffer, 0x1234, body);
   return buffer;
 }
 
@@ -60,18 +60,6 @@ TEST(Record, AMultipleOf8224BytesEndsWithAFullPiece) {
   const std::string second(8224, 'c');
   const std::string bytes = record(first + second);
   EXPECT_EQ(bytes, bytes_of("3412 2020") + first + bytes_of("3C00 2020") + second);
-}
-
-TEST(Record, IsCutAtGivenIndices) {
-  EXPECT_EQ(record("aabbbc", {2, 5}), bytes_of("3412 0200") + "aa" + bytes_of("3C00 0300") + "bbb" +
-                                          bytes_of("3C00 0100") + "c");
-}
-
-TEST(Record, IsCutNowhereElseIfThereAreIndices) {
-  const std::string first(8225, 'b');
-  const std::string second(8226, 'c');
-  EXPECT_EQ(record(first + second, {8225}),
-            bytes_of("3412 2120") + first + bytes_of("3C00 2220") + second);
 }
 
 TEST(Record, SizeOfAShortRecordHasOneHeader) {

@@ -276,6 +276,26 @@ TEST(SharedStringTable, SizeAndBeginningsFollowTheRules) {
   }
 }
 
+TEST(SharedStringTable, RecordsBeginWhereTheSizeHasFound) {
+  for (const Layout& layout : kLayouts) {
+    SCOPED_TRACE(layout.what);
+    Texts texts;
+    add_all(texts, layout.strings);
+    std::string bytes;
+    EXPECT_EQ(texts.table().Write(bytes), layout.size + 4 * (layout.indices.size() + 1));
+    const StringTableReader reader(bytes);
+    Indices ends;
+    uint32_t end = 0;
+    for (const std::string_view piece : reader.pieces)
+      ends.push_back(end += static_cast<uint32_t>(piece.size()));
+    Indices expected = layout.indices;
+    expected.push_back(layout.size);
+    EXPECT_EQ(ends, expected);
+    EXPECT_EQ(reader.codes[0], 252);
+    EXPECT_EQ(std::ranges::count(reader.codes, 60), std::ssize(layout.indices));
+  }
+}
+
 TEST(SharedStringTable, WritesWhatTheRulesTellStepByStep) {
   for (const Layout& layout : kLayouts) {
     SCOPED_TRACE(layout.what);
