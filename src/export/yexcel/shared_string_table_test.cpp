@@ -400,6 +400,9 @@ TEST(SharedStringTable, AfterASplitStringThatFillsItsRecordTheNextHasAnOptionByt
   // There is no room for it: the last byte of all is dropped.
   const std::string rest = plain(texts.kept()[2]) + plain(texts.kept()[3]);
   EXPECT_TRUE(body_of(texts.table()).substr(16439) == '\1' + rest.substr(0, rest.size() - 1));
+  // And isn't put beyond the end either.
+  const std::string bytes = written(texts.table());
+  EXPECT_EQ(bytes.c_str()[bytes.size()], '\0');
 }
 
 /// Lengths of all kinds, with many near the edges of records.
