@@ -22,6 +22,7 @@ run_host() {
   build/host/bench/zolvane_bench --benchmark_repetitions=9 \
     --benchmark_enable_random_interleaving=true --benchmark_report_aggregates_only=true \
     --benchmark_out="$results/host.json" --benchmark_out_format=json >"$results/host.log" 2>&1
+  build/host/bench/workbook_memory >"$results/workbook_memory.txt"
 }
 
 # run_wine NAME [ARGUMENT...]: in a prefix and on a screen of its own.

@@ -35,6 +35,8 @@ HOST = (
     ("keystroke, none of 10,000 matches", "BM_SearchKeystroke/1", "BM_SearchKeystrokeFloor/1", 1.0),
     ("keystroke, all of 10,000 match", "BM_SearchKeystroke/2", "BM_SearchKeystrokeFloor/2", 1.0),
     ("10,000 entries into the model", "BM_FirstFill", None, None),
+    ("workbook stream, 10,000 by 29 cells", "BM_WorkbookStream", "BM_WorkbookFloor", 1.5),
+    ("the same from texts to a closed file", "BM_WriteWorkbook", "BM_WorkbookFloor", None),
     *((f"sort of 10,000 rows by column {column}", f"BM_SortByColumn/{column}/min_time:0.050", None,
        None) for column in range(32)),
 )
@@ -119,6 +121,7 @@ def main():
         times = target_medians(folder / f"{file}.txt")
         for title, name, beside, bar in rows:
             print_row(title, times[name], beside or "", times.get(beside), bar)
+    print((folder / "workbook_memory.txt").read_text(), end="")
     # The split of the start is text already.
     for line in (folder / "list_fill.txt").read_text().splitlines():
         if line.startswith("Process start") or line.startswith("  pass"):
