@@ -47,6 +47,16 @@ TEST(RenameFile, TellsWhyItCannot) {
   EXPECT_EQ(folder.content("from"), "new");
 }
 
+TEST(RenameFile, LeavesAFileThatMayOnlyBeRead) {
+  const TempFolder folder;
+  const std::string to = folder.make("to", "old");
+  std::filesystem::permissions(to, std::filesystem::perms::owner_read);
+  if (std::ofstream(to, std::ios::app)) GTEST_SKIP() << "this user may write every file";
+  EXPECT_NE(ORLO::rename_file(folder.make("from", "new").c_str(), to.c_str()), 0u);
+  EXPECT_EQ(folder.content("to"), "old");
+  std::filesystem::permissions(to, std::filesystem::perms::owner_all);
+}
+
 TEST(CreateTemporaryFile, MakesANewEmptyFileBesideTheOther) {
   const TempFolder folder;
   const String neighbour = folder.path("some file.xls");

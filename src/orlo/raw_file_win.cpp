@@ -175,6 +175,11 @@ std::unique_ptr<RawFile> open_standard_stream(StandardStream stream) {
 }
 
 uint32_t rename_file(const char* old_name, const char* new_name) noexcept {
+  const DWORD attributes = GetFileAttributesA(new_name);
+  // Not every system refuses it by itself.
+  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
+    return ERROR_ACCESS_DENIED;
+  }
   return MoveFileExA(old_name, new_name, MOVEFILE_REPLACE_EXISTING) ? 0 : GetLastError();
 }
 

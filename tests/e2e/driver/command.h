@@ -21,5 +21,6 @@ std::span<const Command> process_commands();
 std::span<const Command> registry_commands();
 std::span<const Command> probe_commands();
 std::span<const Command> clipboard_commands();
+std::span<const Command> file_commands();
 
 }  // namespace driver

@@ -16,9 +16,9 @@ using driver::Words;
 
 const Command* find_command(const std::string& name) {
   const std::span<const Command> groups[] = {
-      driver::window_commands(),   driver::control_commands(),  driver::list_commands(),
-      driver::process_commands(),  driver::registry_commands(), driver::probe_commands(),
-      driver::clipboard_commands()};
+      driver::window_commands(),    driver::control_commands(),  driver::list_commands(),
+      driver::process_commands(),   driver::registry_commands(), driver::probe_commands(),
+      driver::clipboard_commands(), driver::file_commands()};
   for (const auto& group : groups) {
     for (const Command& command : group) {
       if (name == command.name) return &command;

@@ -13,6 +13,7 @@
 // hold  sets the event "zolvane-held-reached" and waits for "zolvane-held-go"
 // fail  throws an exception of the program's own
 // die   throws what nobody knows
+// crash reads memory that isn't there
 // Each happens once. ZOLVANE_TRACE names a file that gets a line for each point that is reached,
 // whatever happens there. ZOLVANE_LIVE names a file that gets a line with the live handles for each
 // beginning of a pass: handles, registry keys.
@@ -71,10 +72,16 @@ class Points {
     }
     if (take("fail@" + point)) throw ORLO::UserException(String("held at " + point));
     if (take("die@" + point)) throw 42;
+    if (take("crash@" + point)) crash();
   }
   bool on_main_thread() const { return GetCurrentThreadId() == main_thread_; }
 
  private:
+  static void crash() {
+    const volatile int* volatile nowhere = nullptr;
+    // NOLINTNEXTLINE(clang-analyzer-core.NullDereference): the fault that is asked for.
+    static_cast<void>(*nowhere);
+  }
   bool take(const std::string& what) {
     const ORLO::Lock hold(lock_);
     return named_.erase(what) > 0;
