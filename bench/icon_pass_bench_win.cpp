@@ -21,9 +21,9 @@
 #include "platform/icons.h"
 #include "platform/memory_registry.h"
 #include "platform/memory_shell.h"
+#include "platform/resource_ids.h"
 #include "view/list_icons.h"
 #include "view/list_model.h"
-#include "platform/resource_ids.h"
 #include "view/uninstall_dlg.h"
 // Needs what orlowin.h brings.
 #include <shellapi.h>

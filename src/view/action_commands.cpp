@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
-#include "view/addresses.h"
 #include "platform/resource_ids.h"
+#include "view/addresses.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <iterator>
 
 #include "orlo/window_helpers.h"
-#include "view/legend.h"
 #include "platform/resource_ids.h"
+#include "view/legend.h"
 
 namespace {
 

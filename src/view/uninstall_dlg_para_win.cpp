@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "orlo/window_helpers.h"
+#include "platform/resource_ids.h"
 #include "platform/system_icon.h"
 #include "view/package_commands.h"
-#include "platform/resource_ids.h"
 
 namespace {
 
