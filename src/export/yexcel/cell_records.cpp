@@ -1,6 +1,6 @@
 #include "export/yexcel/cell_records.h"
 
-#include <iterator>
+#include <cstring>
 
 #include "export/yexcel/record.h"
 #include "export/yexcel/rk.h"
@@ -22,17 +22,6 @@ constexpr uint32_t kRKBody = 10;
 constexpr uint32_t kMulRKBody = 6;  // and for each cell:
 constexpr uint32_t kMulRKCell = 6;
 
-/// A record that begins as those of single cells do.
-template <uint32_t kBody>
-FixedRecord<kBody> cell_record(uint16_t code, uint16_t row, uint16_t column,
-                               const SheetCell& cell) {
-  FixedRecord<kBody> record(code);
-  record.put16(row);
-  record.put16(column);
-  record.put16(static_cast<uint16_t>(cell.xfIndex));
-  return record;
-}
-
 uint32_t rk_value(const SheetCell& cell) {
   return cell.type() == SheetCell::integer ? YExcel::rk_value(cell.intValue())
                                            : YExcel::rk_value(cell.doubleValue());
@@ -42,27 +31,6 @@ uint32_t rk_value(const SheetCell& cell) {
 bool joins(const SheetCell& cell, SheetCell::Type type) {
   if (cell.type() != type) return false;
   return type == SheetCell::integer || is_exact(cell.doubleValue());
-}
-
-CellRun number_run(const Sheet::Row& cells, uint16_t column) {
-  const SheetCell::Type type = cells[column].type();
-  auto end = static_cast<uint16_t>(column + 1);
-  if (!joins(cells[column], type)) return {CellRun::Number, column, end};
-  while (end < cells.size() && joins(cells[end], type))
-    ++end;
-  return {end - column == 1 ? CellRun::RK : CellRun::MulRK, column, end};
-}
-
-void write_mul_rk(std::string& buffer, uint16_t row, const Sheet::Row& cells, const CellRun& run) {
-  put16(buffer, kMulRK);
-  put16(buffer, static_cast<uint16_t>(run.RecordSize() - kRecordHeader));
-  put16(buffer, row);
-  put16(buffer, run.column);
-  for (size_t column = run.column; column < run.end; ++column) {
-    put16(buffer, static_cast<uint16_t>(cells[column].xfIndex));
-    put32(buffer, rk_value(cells[column]));
-  }
-  put16(buffer, static_cast<uint16_t>(run.end - 1));
 }
 
 }  // namespace
@@ -84,45 +52,76 @@ uint32_t CellRun::RecordSize() const noexcept {
   return long_record_size(kMulRKBody + kMulRKCell * cells);
 }
 
-CellRun next_run(const Sheet::Row& cells, uint16_t column) noexcept {
-  const auto end = static_cast<uint16_t>(column + 1);
-  switch (cells[column].type()) {
-    case SheetCell::narrow:
-    case SheetCell::wide:
-      return {CellRun::LabelSST, column, end};
-    case SheetCell::integer:
-    case SheetCell::real:
-      return number_run(cells, column);
-    case SheetCell::undefined:
-      break;
-  }
-  return {CellRun::Blank, column, end};
+CellRun number_run(const Sheet::Row& cells, uint16_t column) noexcept {
+  const SheetCell::Type type = cells[column].type();
+  auto end = static_cast<uint16_t>(column + 1);
+  if (!joins(cells[column], type)) return {CellRun::Number, column, end};
+  while (end < cells.size() && joins(cells[end], type))
+    ++end;
+  return {end - column == 1 ? CellRun::RK : CellRun::MulRK, column, end};
 }
 
-void write_run(std::string& buffer, uint16_t row, const Sheet::Row& cells, const CellRun& run,
-               uint32_t string_index) {
+void RowBytes::begin(uint16_t row) noexcept {
+  row_ = row;
+  size_ = 0;
+}
+
+template <size_t kBytes>
+void RowBytes::append(const std::array<char, kBytes>& bytes) noexcept {
+  std::memcpy(bytes_.data() + size_, bytes.data(), kBytes);
+  size_ += kBytes;
+}
+
+/// A record that begins as those of single cells do.
+template <size_t kBody>
+FixedRecord<kBody> RowBytes::begin_record(uint16_t code, uint16_t column,
+                                          const SheetCell& cell) const {
+  FixedRecord<kBody> record(code);
+  record.put16(row_);
+  record.put16(column);
+  record.put16(static_cast<uint16_t>(cell.xfIndex));
+  return record;
+}
+
+void RowBytes::put(const Sheet::Row& cells, const CellRun& run, uint32_t string_index) {
   const SheetCell& cell = cells[run.column];
   switch (run.kind) {
     case CellRun::Blank:
-      return cell_record<kBlankBody>(kBlank, row, run.column, cell).append_to(buffer);
+      return append(begin_record<kBlankBody>(kBlank, run.column, cell).bytes());
     case CellRun::LabelSST: {
-      auto record = cell_record<kLabelBody>(kLabelSST, row, run.column, cell);
+      auto record = begin_record<kLabelBody>(kLabelSST, run.column, cell);
       record.put32(string_index);
-      return record.append_to(buffer);
+      return append(record.bytes());
     }
     case CellRun::Number: {
-      auto record = cell_record<kNumberBody>(kNumber, row, run.column, cell);
+      auto record = begin_record<kNumberBody>(kNumber, run.column, cell);
       record.put_double(cell.doubleValue());
-      return record.append_to(buffer);
+      return append(record.bytes());
     }
     case CellRun::RK: {
-      auto record = cell_record<kRKBody>(kRK, row, run.column, cell);
+      auto record = begin_record<kRKBody>(kRK, run.column, cell);
       record.put32(rk_value(cell));
-      return record.append_to(buffer);
+      return append(record.bytes());
     }
     case CellRun::MulRK:
-      return write_mul_rk(buffer, row, cells, run);
+      return put_mul_rk(cells, run);
   }
+}
+
+void RowBytes::put_mul_rk(const Sheet::Row& cells, const CellRun& run) {
+  FixedRecord<4> begin(kMulRK, static_cast<uint16_t>(run.RecordSize() - kRecordHeader));
+  begin.put16(row_);
+  begin.put16(run.column);
+  append(begin.bytes());
+  for (size_t column = run.column; column < run.end; ++column) {
+    Bytes<kMulRKCell> cell;
+    cell.put16(static_cast<uint16_t>(cells[column].xfIndex));
+    cell.put32(rk_value(cells[column]));
+    append(cell.bytes());
+  }
+  Bytes<2> last;
+  last.put16(static_cast<uint16_t>(run.end - 1));
+  append(last.bytes());
 }
 
 }  // namespace YExcel

@@ -1,4 +1,4 @@
-// A record whose size is known beforehand.
+// Records whose size is known beforehand.
 #pragma once
 
 #include <array>
@@ -11,18 +11,10 @@
 
 namespace YExcel {
 
-/// Built on the stack and appended in one piece: cells are written by the million. All bytes of the
-/// body must be put.
-template <size_t kBody>
-class FixedRecord {
+/// So many bytes, which must all be put, one number after the other.
+template <size_t kSize>
+class Bytes {
  public:
-  static constexpr uint32_t kSize = kRecordHeader + kBody;
-
-  explicit FixedRecord(uint16_t code) noexcept {
-    put16(code);
-    put16(kBody);
-  }
-
   void put16(uint16_t number) noexcept {
     put8(static_cast<uint8_t>(number));
     put8(static_cast<uint8_t>(number >> 8));
@@ -36,13 +28,26 @@ class FixedRecord {
     put32(static_cast<uint32_t>(bits));
     put32(static_cast<uint32_t>(bits >> 32));
   }
-  void append_to(std::string& buffer) const { buffer.append(bytes_.data(), size_); }
+  const std::array<char, kSize>& bytes() const noexcept { return bytes_; }
 
  private:
   void put8(uint8_t number) noexcept { bytes_[size_++] = static_cast<char>(number); }
 
   std::array<char, kSize> bytes_;
   size_t size_ = 0;
+};
+
+/// A record, or the begin of one. Built on the stack and appended in one piece.
+template <size_t kBody>
+class FixedRecord : public Bytes<kRecordHeader + kBody> {
+ public:
+  static constexpr size_t kSize = kRecordHeader + kBody;
+
+  explicit FixedRecord(uint16_t code, uint16_t body = kBody) noexcept {
+    this->put16(code);
+    this->put16(body);
+  }
+  void append_to(std::string& buffer) const { buffer.append(this->bytes().data(), kSize); }
 };
 
 }  // namespace YExcel

@@ -129,18 +129,22 @@ size_t Worksheet::write_block(std::string& buffer, size_t block, size_t text) co
   const auto columns = static_cast<uint16_t>(sheet_.columns());
   for (size_t row = block * kRowsInBlock; row < end_of(block); ++row)
     Row{static_cast<uint16_t>(row), columns}.Write(buffer);
-  for (size_t row = block * kRowsInBlock; row < end_of(block); ++row)
-    text = write_cells(buffer, row, text);
+  RowBytes bytes;
+  for (size_t row = block * kRowsInBlock; row < end_of(block); ++row) {
+    text = read_cells(row, text, bytes);
+    buffer.append(bytes.bytes());
+  }
   dbcell(block).Write(buffer);
   return text;
 }
 
-size_t Worksheet::write_cells(std::string& buffer, size_t row, size_t text) const {
+/// Makes the records of a row's cells; `text` as write_block() has it.
+size_t Worksheet::read_cells(size_t row, size_t text, RowBytes& bytes) const {
   const Sheet::Row& cells = sheet_.row(row);
+  bytes.begin(static_cast<uint16_t>(row));
   for (uint16_t column = 0; column < cells.size();) {
     const CellRun run = next_run(cells, column);
-    const uint32_t index = run.kind == CellRun::LabelSST ? string_indices_[text++] : 0;
-    write_run(buffer, static_cast<uint16_t>(row), cells, run, index);
+    bytes.put(cells, run, run.kind == CellRun::LabelSST ? string_indices_[text++] : 0);
     column = run.end;
   }
   return text;

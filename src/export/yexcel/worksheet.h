@@ -15,6 +15,8 @@ namespace YExcel {
 /// Rows stand in blocks: first what tells of the rows, then their cells, then where both are.
 inline constexpr size_t kRowsInBlock = 32;
 
+class RowBytes;
+
 /// Writes a sheet, which must outlive it and stay as it is.
 class Worksheet {
  public:
@@ -95,7 +97,7 @@ class Worksheet {
   /// The row after the last one of a block.
   size_t end_of(size_t block) const noexcept;
   size_t write_block(std::string& buffer, size_t block, size_t text) const;
-  size_t write_cells(std::string& buffer, size_t row, size_t text) const;
+  size_t read_cells(size_t row, size_t text, RowBytes& bytes) const;
   DBCell dbcell(size_t block) const;
 
   const Sheet& sheet_;
