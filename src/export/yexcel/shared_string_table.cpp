@@ -32,28 +32,51 @@ uint32_t hash_of(View text) {
   return static_cast<uint32_t>(std::hash<View>{}(text));
 }
 
-/// A body that grows, with single bytes put in where it reaches their offsets.
-template <class Inserts>
-class Merger {
- public:
-  Merger(std::string& body, const Inserts& inserts)
-      : body_(body), next_(inserts.begin()), end_(inserts.end()) {}
+constexpr int8_t kNone = -1;  // no option byte
 
-  void append(std::string_view bytes) {
-    while (next_ != end_ && next_->offset - body_.size() < bytes.size()) {
-      const size_t before = next_->offset - body_.size();
-      body_.append(bytes.substr(0, before));
-      body_.push_back(next_->value);
-      bytes.remove_prefix(before);
-      ++next_;
+/// Copies a body to its place in a stream, which has been laid out for it: around the headers of
+/// CONTINUE records and the option bytes after these.
+class Placer {
+ public:
+  Placer(char* place, uint32_t size, const std::vector<uint32_t>& begins,
+         const std::vector<int8_t>& options)
+      : place_(place), size_(size), begins_(begins), options_(options) {
+    run_ = end_of_piece();
+  }
+
+  /// What is beyond the size is left out.
+  void put(std::string_view bytes) {
+    while (bytes.size() > run_ && next_ < begins_.size()) {
+      const size_t count = run_;
+      copy(bytes.substr(0, count));
+      bytes.remove_prefix(count);
+      begin_piece();
     }
-    body_.append(bytes);
+    copy(bytes.substr(0, run_));
   }
 
  private:
-  std::string& body_;
-  typename Inserts::const_iterator next_;
-  typename Inserts::const_iterator end_;
+  uint32_t end_of_piece() const { return next_ < begins_.size() ? begins_[next_] : size_; }
+
+  void copy(std::string_view bytes) {
+    place_ = std::ranges::copy(bytes, place_).out;
+    run_ -= static_cast<uint32_t>(bytes.size());
+  }
+
+  void begin_piece() {
+    const uint32_t begin = begins_[next_];
+    const uint32_t option = options_[next_] == kNone ? 0 : kOptionByte;
+    ++next_;
+    place_ += kRecordHeader + option;
+    run_ = end_of_piece() - begin - option;
+  }
+
+  char* place_;
+  uint32_t size_;
+  uint32_t run_ = 0;  ///< bytes up to the piece's end
+  size_t next_ = 0;
+  const std::vector<uint32_t>& begins_;
+  const std::vector<int8_t>& options_;
 };
 
 }  // namespace
@@ -78,7 +101,7 @@ uint32_t SharedStringTable::add(std::u16string_view text) {
 
 uint32_t SharedStringTable::add(const Text& text, uint32_t hash) {
   ++stringsTotal_;
-  if (strings_.size() >= slots_.size() / 2) grow();
+  if (strings_.size() >= slots_.size() / 4 * 3) grow();
   Slot& slot = slot_of(text, hash);
   if (slot.index == kEmpty) {
     slot = {hash, uniqueStringsTotal()};
@@ -159,48 +182,59 @@ uint32_t SharedStringTable::RecordSize() {
   return long_record_size(DataSize());
 }
 
-/// One look at the records' beginnings for each string: of a string over several of them the later
-/// ones are left to the strings that follow.
-std::vector<SharedStringTable::OptionByte> SharedStringTable::option_bytes() const {
-  std::vector<OptionByte> bytes;
-  bytes.reserve(continueIndices_.size());
+/// For each CONTINUE record its option byte. One look at the records' beginnings for each string:
+/// of a string over several of them the later ones are left to the strings that follow.
+std::vector<int8_t> SharedStringTable::option_bytes() const {
+  std::vector<int8_t> options(continueIndices_.size(), kNone);
   uint32_t position = kTotals;
-  auto index = continueIndices_.begin();
+  size_t next = 0;
   for (const Text& text : strings_) {
     position += text.bytes() + kTextHeader;
-    if (index == continueIndices_.end()) break;
-    if (*index > position) continue;
-    if (*index < position) {
-      bytes.push_back({*index, text.wide ? '\1' : '\0'});
+    if (next == options.size()) break;
+    if (continueIndices_[next] > position) continue;
+    if (continueIndices_[next] < position) {
+      options[next] = text.wide ? 1 : 0;
       ++position;
     }
-    ++index;
+    ++next;
   }
-  return bytes;
+  return options;
 }
 
-std::string SharedStringTable::body() {
-  const uint32_t size = DataSize();
-  const std::vector<OptionByte> inserts = option_bytes();
-  std::string body;
-  body.reserve(size + inserts.size());
-  put32(body, stringsTotal_);
-  put32(body, uniqueStringsTotal());
-  Merger merger(body, inserts);
-  for (const Text& text : strings_) {
-    const char header[] = {static_cast<char>(text.count & 0xFF), static_cast<char>(text.count >> 8),
-                           text.wide ? '\1' : '\0'};
-    merger.append({header, sizeof header});
-    merger.append(text.memory());
+/// Appends the headers of all records with the option bytes; the rest is zero.
+void SharedStringTable::lay_out(std::string& buffer, uint32_t size,
+                                const std::vector<int8_t>& options) const {
+  buffer.reserve(buffer.size() + size + kRecordHeader * (options.size() + 1));
+  uint32_t begin = 0;
+  for (size_t piece = 0; piece <= options.size(); ++piece) {
+    const uint32_t end = piece < options.size() ? continueIndices_[piece] : size;
+    put16(buffer, piece == 0 ? kCode : kContinueCode);
+    put16(buffer, static_cast<uint16_t>(end - begin));
+    const size_t body = buffer.size();
+    if (piece > 0 && options[piece - 1] != kNone)
+      put8(buffer, static_cast<uint8_t>(options[piece - 1]));
+    buffer.resize(body + (end - begin));
+    begin = end;
   }
-  // The size is what was told, even if a string has fewer or more option bytes.
-  body.resize(size);
-  return body;
 }
 
 uint32_t SharedStringTable::Write(std::string& buffer) {
-  const std::string data = body();
-  return write_record(buffer, kCode, data, continueIndices_);
+  const size_t before = buffer.size();
+  const uint32_t size = DataSize();
+  const std::vector<int8_t> options = option_bytes();
+  lay_out(buffer, size, options);
+  Placer placer(buffer.data() + before + kRecordHeader, size, continueIndices_, options);
+  std::string header;
+  put32(header, stringsTotal_);
+  put32(header, uniqueStringsTotal());
+  placer.put(header);
+  for (const Text& text : strings_) {
+    const char start[] = {static_cast<char>(text.count & 0xFF), static_cast<char>(text.count >> 8),
+                          text.wide ? '\1' : '\0'};
+    placer.put({start, sizeof start});
+    placer.put(text.memory());
+  }
+  return static_cast<uint32_t>(buffer.size() - before);
 }
 
 }  // namespace YExcel

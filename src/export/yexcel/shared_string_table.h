@@ -49,18 +49,12 @@ class SharedStringTable {
     uint32_t hash;
     uint32_t index;
   };
-  /// The option byte that a string needs where it goes on in a CONTINUE record.
-  struct OptionByte {
-    uint32_t offset;
-    char value;
-  };
-
   uint32_t add(const Text& text, uint32_t hash);
   Slot& slot_of(const Text& text, uint32_t hash);
   void grow();
   uint32_t split(uint32_t size, uint32_t& limit, const Text& text);
-  std::vector<OptionByte> option_bytes() const;
-  std::string body();
+  std::vector<int8_t> option_bytes() const;
+  void lay_out(std::string& buffer, uint32_t size, const std::vector<int8_t>& options) const;
 
   std::vector<Text> strings_;
   std::vector<Slot> slots_;
