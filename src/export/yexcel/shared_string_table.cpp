@@ -182,21 +182,20 @@ uint32_t SharedStringTable::RecordSize() {
   return long_record_size(DataSize());
 }
 
-/// For each CONTINUE record its option byte. One look at the records' beginnings for each string:
-/// of a string over several of them the later ones are left to the strings that follow.
+/// For each CONTINUE record its option byte. A string gives one at most: of a string over several
+/// beginnings of records the later ones are left to the strings that follow.
 std::vector<int8_t> SharedStringTable::option_bytes() const {
   std::vector<int8_t> options(continueIndices_.size(), kNone);
   uint32_t position = kTotals;
   size_t next = 0;
   for (const Text& text : strings_) {
     position += text.bytes() + kTextHeader;
-    if (next == options.size()) break;
-    if (continueIndices_[next] > position) continue;
-    if (continueIndices_[next] < position) {
-      options[next] = text.wide ? 1 : 0;
+    if (next < options.size() && continueIndices_[next] < position) {
+      options[next++] = text.wide ? 1 : 0;
       ++position;
     }
-    ++next;
+    // The next string begins in a record of its own; so it may also be after one that was split.
+    if (next < options.size() && continueIndices_[next] == position) ++next;
   }
   return options;
 }

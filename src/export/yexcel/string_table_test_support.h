@@ -163,8 +163,8 @@ class Texts {
 };
 
 /// How many strings at the beginning are written so that readers understand them all. They don't
-/// where a string goes over two beginnings of records, where one that goes over a beginning ends at
-/// the next, and where one fills a record of its own.
+/// where a string goes over two beginnings of records, and after one that fills a record to its
+/// last byte.
 inline size_t readable(const std::deque<KeptString>& strings, const std::vector<uint32_t>& begins) {
   const auto begin_at = [&](size_t which) {
     return which < begins.size() ? begins[which] : SIZE_MAX;
@@ -179,8 +179,10 @@ inline size_t readable(const std::deque<KeptString>& strings, const std::vector<
     if (begin_at(begun) == position) ++begun;
     if (begin_at(begun) >= position) continue;
     ++position;
+    const size_t full = begins[begun] + (strings[done].wide ? 8223 : 8224);
     if (begin_at(++begun) < position) return done;
-    if (begin_at(begun) == position) return done + 1;
+    if (position == full) return done + 1;
+    if (begin_at(begun) == position) ++begun;
   }
   return strings.size();
 }
