@@ -9,14 +9,14 @@ import pytest
 
 from conftest import BINARIES, SCREENSHOTS
 from support import handlers
-from support.exports import (DIALOG_TITLES, EXPORT, FILE_TYPE, NO, YES, SaveDialog, csv_bytes,
+from support.exports import (DIALOG_TITLES, FILE_TYPE, NO, YES, SaveDialog, csv_bytes,
                              read_by_xlrd, sheet_of, shown_in_workbook)
 from support.installers import Installer
 from support.program import ALL_PACKAGES, SEARCH, eventually
 from support.registry import Key
 from support.rules import read_all, world_of
 from support.samples import FILES, KEYS, USAGES
-from support.seeding import set_value
+from support.seeding import seed, set_value
 from support.window import WM_CLOSE, Window
 
 VIEWER = "C:\\Setups\\viewer.exe"
@@ -238,3 +238,25 @@ def test_a_second_export_follows_the_first(window, world, folder):
         export(window, f"C:\\Lists\\{name}")
         wait_for_bytes(folder / name, csv_bytes(sheet_of(world)))
     assert os.listdir(folder).count("first.csv") == 1
+
+
+@pytest.mark.parametrize("language, mark", [("english", "new"), ("german", "neu")])
+def test_the_last_column_tells_what_is_new_in_the_language_of_the_window(make_desk, language,
+                                                                         mark):
+    old, new = (Key("user", name, {"DisplayName": name, "InstallDate": "20260101"})
+                for name in ("Old", "New"))
+    with make_desk([old]) as desk:
+        desk.prefix.make_file("C:\\Lists\\.keep")
+        first = Window(desk, language, switches=("-noupdate",))
+        first.wait_filled(1)
+        assert first.program.close() == 0
+        seed(desk, [old, new])
+        second = Window(desk, language, switches=("-noupdate",))
+        second.wait_filled(2)
+        export(second, "C:\\Lists\\marks.csv")
+        file = desk.prefix.host_path("C:\\Lists") / "marks.csv"
+        eventually(lambda: file.exists() and file.read_bytes().count(b"\n") == 3, "three lines")
+        marks = {line.split(";")[0]: line.split(";")[28]
+                 for line in file.read_text("cp1252").splitlines()[1:]}
+        assert marks == {"Old": "", "New": mark}
+        assert second.program.close() == 0
