@@ -48,6 +48,7 @@ run_wine update_log
 run_wine list_model
 run_wine list_paint
 run_wine icon_pass
+run_wine export_pass
 run_wine list_fill 'build\win32\zolvane.exe'
 echo "bench: $(nproc) cores, load at the start $load, $(wine --version), $(uname -m)"
 "$python" scripts/bench_figures.py "$results"

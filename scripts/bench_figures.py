@@ -34,6 +34,8 @@ HOST = (
     ("keystroke, 200 of 10,000 match", "BM_SearchKeystroke/0", "BM_SearchKeystrokeFloor/0", 1.0),
     ("keystroke, none of 10,000 matches", "BM_SearchKeystroke/1", "BM_SearchKeystrokeFloor/1", 1.0),
     ("keystroke, all of 10,000 match", "BM_SearchKeystroke/2", "BM_SearchKeystrokeFloor/2", 1.0),
+    ("CSV: 10,000 packages", "BM_WriteCsv", "BM_CsvBytes", 1.5),
+    ("JSON lines: 10,000 packages", "BM_WriteJsonLines", "BM_JsonBytes", 2.0),
     ("10,000 entries into the model", "BM_FirstFill", None, None),
     ("workbook stream, 10,000 by 29 cells", "BM_WorkbookStream", "BM_WorkbookFloor", 1.5),
     ("the same from texts to a closed file", "BM_WriteWorkbook", "BM_WorkbookFloor", None),
@@ -73,6 +75,10 @@ ICON_PASS = (
     ("images at the start, 300 kept", "images at the start, 300 kept",
      "images at the start, none kept", None),
     ("choice of a row", "choice of a row", None, None),
+)
+EXPORT_PASS = (
+    ("export as JSON lines, 2,000 entries", "json", "the pass alone", 1.1),
+    ("export as CSV, 2,000 entries", "csv", "the pass alone", 1.1),
 )
 
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
@@ -117,7 +123,7 @@ def main():
         times = target_medians(folder / f"{file}.txt")
         print_row(title, times["zolvane"], beside, times[beside], bar)
     for file, rows in (("list_model", LIST_MODEL), ("list_paint", LIST_PAINT),
-                       ("icon_pass", ICON_PASS)):
+                       ("icon_pass", ICON_PASS), ("export_pass", EXPORT_PASS)):
         times = target_medians(folder / f"{file}.txt")
         for title, name, beside, bar in rows:
             print_row(title, times[name], beside or "", times.get(beside), bar)

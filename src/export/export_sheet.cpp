@@ -67,8 +67,14 @@ ExportSheetBuilder::ExportSheetBuilder(const TextOf& text_of, const ExportFilter
 }
 
 String ExportSheetBuilder::change_text(const Entry& entry) const {
-  if (entry.changed == 0) return String();
+  if (entry.changed == 0) return empty_;
   return entry.changed == -1 ? new_ : changed_;
+}
+
+const String& ExportSheetBuilder::number_text(int32_t number) {
+  const auto [place, is_new] = numbers_.try_emplace(number);
+  if (is_new) place->second.printf("%d", number);
+  return place->second;
 }
 
 void ExportSheetBuilder::add(const Entry& entry) {
@@ -77,9 +83,9 @@ void ExportSheetBuilder::add(const Entry& entry) {
   row.reserve(std::size(kColumns));
   for (const ColumnRule& rule : kColumns) {
     if (rule.text != nullptr) {
-      row.push_back(entry.*rule.text);
+      row.push_back(shared(entry.*rule.text));
     } else if (rule.number != nullptr) {
-      row.push_back(String::formatted("%d", entry.*rule.number));
+      row.push_back(number_text(entry.*rule.number));
     } else {
       row.push_back(change_text(entry));
     }

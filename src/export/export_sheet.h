@@ -1,7 +1,9 @@
 // The inventory as a sheet of texts, ready for a writer.
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -46,9 +48,14 @@ class ExportSheetBuilder {
 
  private:
   String change_text(const UninstallEntry& entry) const;
+  const String& shared(const String& text) const { return text.empty() ? empty_ : text; }
+  const String& number_text(int32_t number);
 
   const ExportFilter filter_;
   const String changed_;
   const String new_;
+  /// Most cells are empty. With one block for all of them a writer has less memory to go over.
+  const String empty_;
+  std::map<int32_t, String> numbers_;
   ExportSheet sheet_;
 };

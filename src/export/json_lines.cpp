@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstring>
 #include <iterator>
+#include <string_view>
 
 #include "export/json_text.h"
 
@@ -12,6 +13,15 @@ namespace {
 /// The file's own buffer takes what comes in pieces of this size at less cost than each value.
 constexpr size_t kHeldBack = 32768;
 constexpr size_t kLongestNumber = 11;
+/// A column's key and value, without the characters of a text but with the word that copying one
+/// may write beyond it.
+constexpr size_t kLongestColumn = 24 + 2 + 19 + 8;
+constexpr std::string_view kLineEnd = "}\n";
+
+char* put(char* out, std::string_view text) noexcept {
+  std::memcpy(out, text.data(), text.size());
+  return out + text.size();
+}
 
 }  // namespace
 
@@ -69,17 +79,6 @@ const JsonLines::Column JsonLines::kColumns[kPackageColumns] = {
     {},
 };
 
-char* JsonLines::Buffer::room(size_t count) {
-  if (bytes_.size() - length_ < count) bytes_.resize(2 * (length_ + count));
-  return bytes_.data() + length_;
-}
-
-void JsonLines::Buffer::append(std::string_view text) {
-  char* const end = room(text.size());
-  std::memcpy(end, text.data(), text.size());
-  advance(end + text.size());
-}
-
 namespace {
 
 std::string quoted(std::string_view utf8) {
@@ -110,66 +109,70 @@ JsonLines::JsonLines(const PassStamp& stamp, const ORLO::Locale& locale, ORLO::O
       file_(file),
       short_date_(DatePattern::of_locale(locale)),
       with_dots_(DatePattern::with_dots()),
+      beginning_(beginning(stamp)),
       before_(kPackageColumns) {
   for (const auto& [name, column] : packageSchema().columns) {
-    std::string& before = before_.at(static_cast<size_t>(column.index));
-    before.append(",").append(quoted({name.c_str(), name.length()})).append(":");
+    const String text = String::formatted(",\"%s\":", name);
+    Before& before = before_.at(static_cast<size_t>(column.index));
+    before.length = std::min(text.length(), sizeof before.bytes);
+    std::memcpy(before.bytes, text.c_str(), before.length);
   }
-  before_.front().insert(0, beginning(stamp));
+}
+
+/// For the longest line that the entry can make.
+void JsonLines::make_room(const Entry& entry) {
+  size_t texts = 0;
+  for (const Column& column : kColumns) {
+    for (String Entry::*const text : {column.text, column.date, column.dotted_date})
+      if (text != nullptr) texts += (entry.*text).length();
+  }
+  const size_t needed = length_ + beginning_.size() + kPackageColumns * kLongestColumn +
+                        kLongestJsonUnit * texts + kLineEnd.size();
+  if (buffer_.size() < needed) buffer_.resize(2 * needed);
 }
 
 void JsonLines::write(const UninstallEntry& entry) {
+  make_room(entry);
+  char* out = put(buffer_.data() + length_, beginning_);
   for (size_t i = 0; i < std::size(kColumns); ++i) {
-    buffer_.append(before_[i]);
-    append_value(kColumns[i], entry);
+    std::memcpy(out, before_[i].bytes, sizeof before_[i].bytes);
+    out = put_value(out + before_[i].length, kColumns[i], entry);
   }
-  buffer_.append("}\n");
-  if (buffer_.content().size() >= kHeldBack) hand_over();
+  out = put(out, kLineEnd);
+  length_ = static_cast<size_t>(out - buffer_.data());
+  if (length_ >= kHeldBack) hand_over();
 }
 
-void JsonLines::append_value(const Column& column, const UninstallEntry& entry) {
+char* JsonLines::put_value(char* out, const Column& column, const Entry& entry) const {
+  if (column.text != nullptr) return put_text(out, entry.*column.text);
+  if (column.date != nullptr) return put_date(out, short_date_, entry.*column.date);
+  if (column.dotted_date != nullptr) return put_date(out, with_dots_, entry.*column.dotted_date);
+  if (column.flag != nullptr) return put(out, entry.*column.flag ? "1" : "0");
   const bool known = column.known == nullptr || !(entry.*column.known).empty();
-  if (column.text != nullptr) {
-    append_text(entry.*column.text);
-  } else if (column.date != nullptr) {
-    append_date(short_date_, entry.*column.date);
-  } else if (column.dotted_date != nullptr) {
-    append_date(with_dots_, entry.*column.dotted_date);
-  } else if (column.number != nullptr && known) {
-    char* const start = buffer_.room(kLongestNumber);
-    buffer_.advance(std::to_chars(start, start + kLongestNumber, entry.*column.number).ptr);
-  } else if (column.flag != nullptr) {
-    buffer_.append(entry.*column.flag ? "1" : "0");
-  } else {
-    buffer_.append("null");
-  }
+  if (column.number == nullptr || !known) return put(out, "null");
+  return std::to_chars(out, out + kLongestNumber, entry.*column.number).ptr;
 }
 
-void JsonLines::append_date(const DatePattern& pattern, const String& text) {
-  if (text.empty()) {
-    buffer_.append("null");
-  } else if (const auto iso = pattern.iso_text({text.c_str(), text.length()})) {
-    buffer_.append("\"");
-    buffer_.append(*iso);
-    buffer_.append("\"");
-  } else {
-    append_text(text);
-  }
+char* JsonLines::put_date(char* out, const DatePattern& pattern, const String& text) const {
+  if (text.empty()) return put(out, "null");
+  const auto iso = pattern.iso_text({text.c_str(), text.length()});
+  if (!iso) return put_text(out, text);
+  *out++ = '"';
+  out = put(out, iso->text());
+  *out++ = '"';
+  return out;
 }
 
-void JsonLines::append_text(const String& text) {
-  constexpr size_t kQuotesAndWord = 10;
-  char* out = buffer_.room(kLongestJsonUnit * text.length() + kQuotesAndWord);
+char* JsonLines::put_text(char* out, const String& text) const {
   *out++ = '"';
-  out = put_json_text(out, {text.c_str(), text.length()}, locale_);
+  if (!text.empty()) out = put_json_text(out, {text.c_str(), text.length()}, locale_);
   *out++ = '"';
-  buffer_.advance(out);
+  return out;
 }
 
 void JsonLines::hand_over() {
-  const std::string_view content = buffer_.content();
-  file_.write(content.data(), content.size());
-  buffer_.clear();
+  file_.write(buffer_.data(), length_);
+  length_ = 0;
 }
 
 bool JsonLines::finish() {

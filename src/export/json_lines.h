@@ -2,9 +2,7 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "export/shown_date.h"
@@ -36,29 +34,24 @@ class JsonLines {
 
   static const Column kColumns[kPackageColumns];
 
-  void append_value(const Column& column, const Entry& entry);
-  void append_date(const DatePattern& pattern, const String& text);
-  void append_text(const String& text);
+  /// What stands before a column's value, and how much of it: copying a fixed size is quicker.
+  struct Before {
+    char bytes[24];
+    size_t length = 0;
+  };
+
+  void make_room(const Entry& entry);
+  char* put_value(char* out, const Column& column, const Entry& entry) const;
+  char* put_date(char* out, const DatePattern& pattern, const String& text) const;
+  char* put_text(char* out, const String& text) const;
   void hand_over();
 
   const ORLO::Locale& locale_;
   ORLO::OutFile& file_;
   const DatePattern short_date_;
   const DatePattern with_dots_;
-  /// What stands before each column's value.
-  std::vector<std::string> before_;
-
-  class Buffer {
-   public:
-    std::string_view content() const noexcept { return {bytes_.data(), length_}; }
-    /// Room for so many bytes more, which advance() then adds.
-    char* room(size_t count);
-    void advance(const char* end) noexcept { length_ = static_cast<size_t>(end - bytes_.data()); }
-    void append(std::string_view text);
-    void clear() noexcept { length_ = 0; }
-
-   private:
-    std::vector<char> bytes_;
-    size_t length_ = 0;
-  } buffer_;
+  const std::string beginning_;  ///< of each line
+  std::vector<Before> before_;
+  std::vector<char> buffer_;
+  size_t length_ = 0;  ///< of what is held back there
 };

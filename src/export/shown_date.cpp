@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
+#include <string>
 
 namespace {
 
@@ -38,30 +39,25 @@ bool take_time_of_day(std::string_view& text, ORLO::SystemTime& time) {
   return text.empty() || (take_character(text, ':') && take_number(text, 2, 2, time.wSecond));
 }
 
-void append_number(std::string& text, unsigned number, size_t digits) {
-  const size_t end = text.size() + digits;
-  text.resize(end);
+void append_number(IsoText& iso, char separator, unsigned number, size_t digits) {
+  if (separator != '\0') iso.bytes[iso.length++] = separator;
+  iso.length += digits;
   for (size_t i = 1; i <= digits; ++i, number /= 10)
-    text[end - i] = static_cast<char>('0' + number % 10);
+    iso.bytes[iso.length - i] = static_cast<char>('0' + number % 10);
 }
 
-std::string iso_date(const ORLO::SystemTime& time) {
-  std::string text;
-  append_number(text, time.wYear, 4);
-  text += '-';
-  append_number(text, time.wMonth, 2);
-  text += '-';
-  append_number(text, time.wDay, 2);
-  return text;
+IsoText iso_date(const ORLO::SystemTime& time) {
+  IsoText iso;
+  append_number(iso, '\0', time.wYear, 4);
+  append_number(iso, '-', time.wMonth, 2);
+  append_number(iso, '-', time.wDay, 2);
+  return iso;
 }
 
-void append_time_of_day(std::string& text, const ORLO::SystemTime& time) {
-  text += 'T';
-  append_number(text, time.wHour, 2);
-  text += ':';
-  append_number(text, time.wMinute, 2);
-  text += ':';
-  append_number(text, time.wSecond, 2);
+void append_time_of_day(IsoText& iso, const ORLO::SystemTime& time) {
+  append_number(iso, 'T', time.wHour, 2);
+  append_number(iso, ':', time.wMinute, 2);
+  append_number(iso, ':', time.wSecond, 2);
 }
 
 bool in_calendar(const ORLO::SystemTime& time) {
@@ -112,7 +108,7 @@ DatePattern DatePattern::of_example(std::string_view example) {
   return pattern;
 }
 
-std::optional<std::string> DatePattern::iso_text(std::string_view text) const {
+std::optional<IsoText> DatePattern::iso_text(std::string_view text) const {
   if (parts_.empty()) return std::nullopt;
   ORLO::SystemTime time;
   for (const Part& part : parts_) {
@@ -127,7 +123,7 @@ std::optional<std::string> DatePattern::iso_text(std::string_view text) const {
   const bool has_time_of_day = !text.empty();
   if (has_time_of_day && !(take_time_of_day(text, time) && text.empty())) return std::nullopt;
   if (!in_calendar(time)) return std::nullopt;
-  std::string iso = iso_date(time);
+  IsoText iso = iso_date(time);
   if (has_time_of_day) append_time_of_day(iso, time);
   return iso;
 }
