@@ -3,6 +3,7 @@
 #   scripts/setup.sh        everything
 #   scripts/setup.sh run    only what scripts/run.sh needs
 #   scripts/setup.sh tests  only what running built win32 tests needs; on Debian 13, too
+#   scripts/setup.sh fleet  only what scripts/fleet.sh needs, which no other purpose brings
 set -euo pipefail
 
 readonly purpose=${1:-all}
@@ -24,6 +25,7 @@ readonly test_run_packages=(
 readonly test_packages=(
   clang clang-format clang-tidy g++ g++-mingw-w64-x86-64-posix libbenchmark-dev
   libclang-rt-14-dev libgmock-dev libgtest-dev libxml2-dev python3-xlwt shellcheck)
+readonly fleet_packages=(postgresql python3 rsyslog rsyslog-pgsql)
 # "NAME SOURCE", as localedef takes them.
 readonly wanted_locales=("en_GB.UTF-8 en_GB" "de_DE.UTF-8 de_DE")
 
@@ -104,6 +106,19 @@ install_wine() {
     install_from_main_suite "${wine_packages[@]}"
 }
 
+# Left to itself the package makes a database and has the machine's own log written to it. What it
+# finds it leaves as it is.
+install_fleet() {
+  local own_log=/etc/rsyslog.d/pgsql.conf
+  if [ -n "$(missing rsyslog-pgsql)" ] && [ ! -e "$own_log" ]; then
+    echo 'rsyslog-pgsql rsyslog-pgsql/dbconfig-install boolean false' |
+      as_root debconf-set-selections
+    as_root mkdir -p "${own_log%/*}"
+    echo '# The log of this machine stays out of PostgreSQL.' | as_root tee "$own_log" >/dev/null
+  fi
+  install_missing "${fleet_packages[@]}"
+}
+
 make_locales() {
   local present wanted name source
   present=$(locale -a 2>/dev/null | tr '[:upper:]' '[:lower:]' | tr -d -)
@@ -120,7 +135,8 @@ case $purpose in
          "${test_packages[@]}" "${test_run_packages[@]}" ;;
   run) install_missing "${build_packages[@]}" "${screen_packages[@]}" "${run_packages[@]}" ;;
   tests) install_missing "${screen_packages[@]}" "${run_packages[@]}" "${test_run_packages[@]}" ;;
-  *) echo "usage: $0 [run | tests]" >&2; exit 2 ;;
+  fleet) install_fleet; echo "setup: everything needed is installed"; exit ;;
+  *) echo "usage: $0 [run | tests | fleet]" >&2; exit 2 ;;
 esac
 add_pointer_library
 install_wine
