@@ -106,6 +106,20 @@ export_as() {
   cp "$machines/$letter.ndjson" "$sent/$letter$day.ndjson"
 }
 
+# One machine more, with what the built program itself writes, where Wine can run it.
+export_by_program() {
+  local program=build/win32/zolvane.exe
+  if ! command -v wine >/dev/null || ! grep -aq -e -export "$program" 2>/dev/null; then
+    say "  (without the program's own export: it isn't built, or there is no Wine)"
+    return 0
+  fi
+  timeout 300 "$python" tests/e2e/in_prefix.py bash -c "wine reg import scripts/sample.reg /reg:64 &&
+    wine $program -export 'Z:$machines/program.ndjson'" </dev/null >"$work/program.log" 2>&1 ||
+    fail "the program's own export"
+  cp "$machines/program.ndjson" "$sent/program.ndjson"
+  expect_arrived "the program's own export, $(wc -l <"$sent/program.ndjson") packages"
+}
+
 # The file anew, with what it held.
 export_again() {
   cp "$machines/$1.ndjson" "$machines/$1.new"
@@ -129,6 +143,7 @@ check_shipping() {
   export_as a -9; export_as b -9; export_as c -9
   start_shipper
   expect_arrived "first pass"
+  export_by_program
   stop_shipper
   start_shipper
   export_as a -8
@@ -178,7 +193,7 @@ check_failures() {
   cp "$sent/long.ndjson" "$machines/long.new"
   mv "$machines/long.new" "$machines/long.ndjson"
   expect_arrived "beside lines that are no export's, and one of 100 KB"
-  rm -f "$machines"/foreign.ndjson "$machines"/long.ndjson "$sent"/*
+  rm -f "$machines"/{foreign,long,program}.ndjson "$sent"/*
   query -c 'TRUNCATE inbox, rejected'
 }
 
