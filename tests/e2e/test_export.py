@@ -9,8 +9,8 @@ import pytest
 
 from conftest import BINARIES, SCREENSHOTS
 from support import handlers
-from support.exports import (DIALOG_TITLES, FILE_TYPE, NO, YES, SaveDialog, csv_bytes,
-                             read_by_xlrd, sheet_of, shown_in_workbook)
+from support.exports import (DIALOG_TITLES, FILE_TYPE, NO, READERS, YES, SaveDialog,
+                             csv_bytes, read_by_xlrd, sheet_of)
 from support.installers import Installer
 from support.program import ALL_PACKAGES, SEARCH, eventually
 from support.registry import Key
@@ -120,7 +120,7 @@ def test_a_workbook_holds_the_packages_and_is_opened(window, world, folder, view
     export(window, "C:\\Lists\\My list.XLS")
     viewer.wait_for_starts('"C:\\Lists\\My list.XLS"')
     assert read_by_xlrd(folder / "My list.XLS") == [
-        [shown_in_workbook(cell) for cell in line] for line in sheet_of(world, window.language)]
+        [READERS["xlrd"].shows(cell) for cell in line] for line in sheet_of(world, window.language)]
 
 
 def test_what_the_type_selection_hides_as_nameless_or_component_is_left_out(window, world, folder):
@@ -190,7 +190,7 @@ def taken(desk, path):
     try:
         yield
     finally:
-        desk.driver("release-file", path)
+        desk.driver("let-file-go", path)
 
 
 @pytest.mark.parametrize("name", ["taken.csv", "taken.xls"])

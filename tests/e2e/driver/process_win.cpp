@@ -135,28 +135,6 @@ void set_event(const Words& words, Json& answer) {
   answer.boolean(SetEvent(event_at(words)) != FALSE);
 }
 
-/// Files by their paths, open for the driver alone.
-std::map<std::string, KernelHandle>& held_files() {
-  static std::map<std::string, KernelHandle> files;
-  return files;
-}
-
-/// hold-file PATH: opens a file that is there, so that nobody else can.
-void hold_file(const Words& words, Json& answer) {
-  const HANDLE opened =
-      CreateFileA(words.text(1).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-  if (opened == INVALID_HANDLE_VALUE) {
-    throw Refusal("can't be opened, error " + std::to_string(GetLastError()));
-  }
-  held_files()[words.text(1)] = KernelHandle(opened);
-  answer.boolean(true);
-}
-
-/// release-file PATH
-void release_file(const Words& words, Json& answer) {
-  answer.boolean(held_files().erase(words.text(1)) == 1);
-}
-
 /// memory PID: the bytes that are the process's own.
 void private_bytes(const Words& words, Json& answer) {
   PROCESS_MEMORY_COUNTERS counters{};
@@ -179,8 +157,6 @@ constexpr Command kCommands[] = {
     {"set-env", set_environment},
     {"event-wait", wait_for_event},
     {"event-set", set_event},
-    {"hold-file", hold_file},
-    {"release-file", release_file},
     {"memory", private_bytes},
 };
 

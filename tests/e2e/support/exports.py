@@ -3,8 +3,11 @@ come from elsewhere; and the dialog that asks for the file's name."""
 
 import csv
 import io
+import os
 import subprocess
 import tempfile
+from collections.abc import Callable
+from dataclasses import dataclass
 from pathlib import Path
 
 import xlrd
@@ -62,57 +65,79 @@ def csv_bytes(sheet):
         for line in sheet).encode("cp1252")
 
 
-def shown_in_workbook(text):
-    """What readers make of a text. A workbook's 8-bit characters are the first 256 of Unicode,
-    which are those of the code page but for the 32 from 0x80 on."""
-    return text.encode("cp1252").decode("latin-1")
-
-
-def without_returns(sheet):
-    """For readers that make one line end of all."""
-    return [[cell.replace("\r\n", "\n").replace("\r", "\n") for cell in line] for line in sheet]
-
-
-def run(*command, **more):
+def run(*command):
     return subprocess.run([str(word) for word in command], check=True, stdin=subprocess.DEVNULL,
-                          stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, timeout=300,
-                          **more).stdout
+                          stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, timeout=300).stdout
 
 
-def parsed(text, **form):
-    return list(csv.reader(io.StringIO(text, newline=""), **form))
+def parsed(data):
+    return list(csv.reader(io.StringIO(data.decode(), newline="")))
 
 
 def read_by_xlrd(file):
-    sheet = xlrd.open_workbook(str(file)).sheet_by_index(0)
-    return [[cell.value for cell in line] for line in sheet.get_rows()]
+    """The first sheet, as the cells have it."""
+    return xlrd_sheets([file])[0][0]
 
 
-def read_by_gnumeric(file):
-    with tempfile.TemporaryDirectory() as folder:
-        run("ssconvert", "-T", "Gnumeric_stf:stf_assistant", "-O",
-            "separator=, quoting-mode=always charset=UTF-8 eol=unix", file, f"{folder}/made.csv")
-        return parsed(Path(folder, "made.csv").read_bytes().decode())
+def xlrd_sheets(files):
+    return [[[[cell.value for cell in line] for line in sheet.get_rows()]
+             for sheet in xlrd.open_workbook(str(file)).sheets()] for file in files]
 
 
-def read_by_libreoffice(file):
-    """Separator, quote, UTF-8, from line 1, cells as shown, all texts quoted."""
+def gnumeric_sheets(files):
+    """Each sheet becomes a file with its number as the name."""
+    def sheets(file):
+        with tempfile.TemporaryDirectory() as folder:
+            run("ssconvert", "-S", "-T", "Gnumeric_stf:stf_assistant", "-O",
+                "separator=, format=raw quoting-mode=always charset=UTF-8 eol=unix", file,
+                f"{folder}/%n")
+            return [parsed(Path(folder, name).read_bytes())
+                    for name in sorted(os.listdir(folder), key=int)]
+
+    return [sheets(file) for file in files]
+
+
+def libreoffice_sheets(files):
+    """One start for all files. Separator, quote, UTF-8, from line 1; texts in quotes, cells as they
+    are and not as shown, no formulas, blanks kept, all sheets: FILE-SHEET.csv for each."""
     with tempfile.TemporaryDirectory() as folder:
         run("soffice", f"-env:UserInstallation=file://{folder}/profile", "--headless",
-            "--convert-to", "csv:Text - txt - csv (StarCalc):44,34,76,1,,0,true,true,false",
-            "--outdir", folder, file)
-        (made,) = Path(folder).glob("*.csv")
-        return parsed(made.read_bytes().decode())
+            "--convert-to",
+            "csv:Text - txt - csv (StarCalc):44,34,76,1,,0,true,false,false,false,false,-1",
+            "--outdir", f"{folder}/made", *files)
+        return [[parsed(made.read_bytes())
+                 for made in sorted(Path(folder, "made").glob(f"{Path(file).stem}-*.csv"))]
+                for file in files]
 
 
-def read_by_catdoc(file):
-    """Ends at the first form feed, which divides the sheets."""
-    return parsed(run("xls2csv", "-q", "3", "-b", "\f", "-d", "utf-8", file).decode()
-                  .split("\f")[0])
+def catdoc_sheets(files):
+    """A form feed ends each sheet."""
+    return [[parsed(sheet) for sheet in
+             run("xls2csv", "-q", "3", "-b", "\f", "-d", "utf-8", file).split(b"\f")[:-1]]
+            for file in files]
 
 
-READERS = {"xlrd": read_by_xlrd, "Gnumeric": read_by_gnumeric,
-           "LibreOffice": read_by_libreoffice, "catdoc": read_by_catdoc}
+@dataclass(frozen=True)
+class Reader:
+    """A program that reads workbooks. The table of strings names no code page for its 8-bit
+    characters: some take them for the first 256 of Unicode, others for Windows-1252."""
+
+    sheets: Callable  # of some files: for each its sheets, lines of texts
+    characters: str = "latin-1"
+    line_end: str = "\r\n"
+
+    def shows(self, text):
+        """What it makes of a text of the program."""
+        return text.encode("cp1252").decode(self.characters).replace("\r\n", self.line_end)
+
+
+READERS = {
+    "xlrd": Reader(xlrd_sheets),
+    "Gnumeric": Reader(gnumeric_sheets, characters="cp1252"),
+    # Knows one kind of line end.
+    "LibreOffice": Reader(libreoffice_sheets, line_end="\n"),
+    "catdoc": Reader(catdoc_sheets, characters="cp1252"),
+}
 
 
 class SaveDialog(Box):
