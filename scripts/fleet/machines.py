@@ -5,9 +5,9 @@ folder. The same on every run.
 
     machines.py lines DAY FIRST COUNT [MOST]   exports of COUNT machines, at most MOST lines each
     machines.py file DAY MACHINE FILE [MOST]   one export, put in its place as the program does
-    machines.py question                       the program and version that are asked for
-    machines.py where COUNT                    what the answers must be after the second day,
-    machines.py changes COUNT                  in the form that psql -At gives
+    machines.py question STEP                  the program that is asked for and one of its versions
+    machines.py where COUNT STEP               what the answers must be after the second day, in the
+    machines.py changes COUNT NEWCOMER         form that psql -At gives; one machine came only then
     machines.py compare FILE...                whether stdin has each line of the files once,
                                                as JSON, and no other"""
 
@@ -154,13 +154,13 @@ def put_file(machine, day, path, most):
     fresh.replace(path)
 
 
-def question():
-    return catalog()[ROLLED_OUT][VERSIONS - 1][:2]
+def question(step):
+    return catalog()[ROLLED_OUT][step][:2]
 
 
-def where(count):
+def where(count, step):
     return [host_name(machine) for machine in range(1, count + 1)
-            if second_state(machine).get(ROLLED_OUT) == VERSIONS - 1]
+            if second_state(machine).get(ROLLED_OUT) == step]
 
 
 def changes_of(machine):
@@ -173,8 +173,8 @@ def changes_of(machine):
             yield host_name(machine), change, catalog()[program][0][0], old, new
 
 
-def changes(count):
-    return ["|".join(change) for machine in range(1, count + 1)
+def changes(count, newcomer):
+    return ["|".join(change) for machine in range(1, count + 1) if machine != newcomer
             for change in sorted(changes_of(machine), key=lambda change: change[2])]
 
 
@@ -202,11 +202,11 @@ def main():
     elif command == "file":
         put_file(int(rest[1]), int(rest[0]), rest[2], int(rest[3]) if len(rest) > 3 else PACKAGES + 10)
     elif command == "question":
-        print("\n".join(question()))
+        print("\n".join(question(int(rest[0]))))
     elif command == "where":
-        print("\n".join(where(int(rest[0]))))
+        print("\n".join(where(*map(int, rest))))
     elif command == "changes":
-        print("\n".join(changes(int(rest[0]))))
+        print("\n".join(changes(*map(int, rest))))
     elif command == "compare":
         compare(rest)
     else:
