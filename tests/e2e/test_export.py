@@ -150,6 +150,7 @@ def test_the_name_alone_decides_and_not_the_chosen_type(window, world, folder, v
 def test_a_name_without_an_extension_becomes_a_workbook(window, folder, viewer):
     """The system appends what the dialog was given for that."""
     export(window, "C:\\Lists\\plain")
+    eventually(viewer.lines, "the viewer")
     (made,) = [file for file in folder.iterdir() if file.name != ".keep"]
     assert made.name.lower().endswith("xls")
     viewer.wait_for_starts(f'"C:\\Lists\\{made.name}"')

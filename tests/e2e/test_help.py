@@ -66,7 +66,7 @@ def test_it_holds_every_topic_as_written(unpacked):
 
 def test_it_is_there_in_both_languages(pages):
     assert topics(pages, "en") == topics(pages, "de")
-    assert len(topics(pages, "en")) == 8
+    assert len(topics(pages, "en")) == 9
 
 
 def test_every_link_leads_to_a_file_of_it(pages, unpacked):
@@ -110,12 +110,14 @@ NEEDED = {
                       "double click", "Shift+F10"],
                      ["nicht entfernen", "64-Bit-Teil der Registry", "Administrator",
                       "Doppelklick", "Umschalt+F10"]),
+    "export.htm": (["xls", "semicolon", "65,535", "code page", "-export", ".ndjson", "with 2"],
+                   ["xls", "Semikolon", "65.535", "Codepage", "-export", ".ndjson", "mit 0, oder mit 2"]),
     "files.htm": (["%LOCALAPPDATA%\\Quillmere", "zolvane-cfg.xml", "zolvane-hist.xml",
                    "zolvane-imagelist.dat", "zolvane-imagepaths.txt"],) * 2,
     "limits.htm": (["other users", "only one line can show", "what an installer registered"],
                    ["anderer Benutzer", "nur eine Zeile erscheinen kann",
                     "was ein Installationsprogramm"]),
-    "keys.htm": (["F1", "F5", "Escape", "-eng", "-ger", "-nopersist", "-noupdate"],) * 2,
+    "keys.htm": (["F1", "F5", "Escape", "-eng", "-ger", "-nopersist", "-noupdate", "-export"],) * 2,
 }
 
 
