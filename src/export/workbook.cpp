@@ -27,9 +27,12 @@ CellFormat format_of(const ExportColumn& column, FormatManager& manager) {
 }
 
 /// As much of a text as a cell takes.
-String fitting(const String& text) {
-  if (text.length() <= kLongestCellText) return text;
-  return String(text.c_str(), text.c_str() + kLongestCellText);
+void set_text(YExcel::SheetCell& cell, const String& text) {
+  if (text.length() <= kLongestCellText) {
+    cell.SetText(text);
+  } else {
+    cell.SetText(String(text.c_str(), text.c_str() + kLongestCellText));
+  }
 }
 
 /// A style is resolved for the first cell that takes it, so that unused ones leave no record.
@@ -37,7 +40,7 @@ void set_cell(YExcel::Sheet& to, size_t row, size_t column, const String& text,
               CellFormat& format) {
   YExcel::SheetCell* const cell = to.CellAt(row, column);
   if (cell == nullptr) return;
-  cell->SetText(fitting(text));
+  set_text(*cell, text);
   cell->xfIndex = format.resolve();
 }
 

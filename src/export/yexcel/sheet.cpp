@@ -38,7 +38,7 @@ std::u16string_view SheetCell::wideText() const noexcept {
   return text == nullptr ? std::u16string_view() : std::u16string_view(**text);
 }
 
-SheetCell* Sheet::CellAt(size_t row, size_t column) {
+SheetCell* Sheet::grown(size_t row, size_t column) {
   if (row >= kMostRows || column >= kMostColumns) return nullptr;
   if (column >= columns_) {
     for (Row& cells : cells_)

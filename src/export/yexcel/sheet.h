@@ -70,7 +70,9 @@ class Sheet {
 
   /// The cell; the table grows so that it holds it. Null for a row or column that a sheet doesn't
   /// have. Valid until the table grows.
-  SheetCell* CellAt(size_t row, size_t column);
+  SheetCell* CellAt(size_t row, size_t column) {
+    return row < cells_.size() && column < columns_ ? &cells_[row][column] : grown(row, column);
+  }
   /// Shows so many cells from this one on as one. False where there is no such cell.
   bool Merge(size_t row, size_t column, Merged size);
 
@@ -83,6 +85,8 @@ class Sheet {
   std::vector<ColInfo> colInfos;
 
  private:
+  SheetCell* grown(size_t row, size_t column);
+
   size_t columns_ = 0;
   std::vector<Row> cells_;
   std::map<Place, Merged> merged_;

@@ -53,6 +53,7 @@ Worksheet::Worksheet(const Sheet& sheet, bool first, SharedStringTable& strings)
 
 void Worksheet::read_rows(SharedStringTable& strings) {
   row_sizes_.reserve(sheet_.rows());
+  string_indices_.reserve(sheet_.rows() * sheet_.columns());
   for (size_t row = 0; row < sheet_.rows(); ++row) {
     const Sheet::Row& cells = sheet_.row(row);
     uint32_t size = 0;
