@@ -26,6 +26,8 @@ constexpr uint32_t kWidePiece = kNarrowPiece - 1;
 
 constexpr uint32_t kEmpty = UINT32_MAX;
 constexpr size_t kFirstSlots = 1024;
+// Characters lie all over the memory, so they are fetched a few texts before they are copied.
+constexpr size_t kTextsAhead = 8;
 
 template <class View>
 uint32_t hash_of(View text) {
@@ -227,7 +229,9 @@ uint32_t SharedStringTable::Write(std::string& buffer) {
   put32(header, stringsTotal_);
   put32(header, uniqueStringsTotal());
   placer.put(header);
-  for (const Text& text : strings_) {
+  for (size_t i = 0; i < strings_.size(); ++i) {
+    const Text& text = strings_[i];
+    __builtin_prefetch(strings_[std::min(i + kTextsAhead, strings_.size() - 1)].characters);
     const char start[] = {static_cast<char>(text.count & 0xFF), static_cast<char>(text.count >> 8),
                           text.wide ? '\1' : '\0'};
     placer.put({start, sizeof start});
