@@ -38,7 +38,7 @@ HOST = (
     ("JSON lines: 10,000 packages", "BM_WriteJsonLines", "BM_JsonBytes", 2.0),
     ("10,000 entries into the model", "BM_FirstFill", None, None),
     ("workbook of 10,000 by 29 cells, to a file", "BM_WriteWorkbook", "BM_WorkbookFloor", 1.5),
-    ("the same without a set and a file", "BM_WorkbookStream", "BM_WorkbookHashesAndBytes", None),
+    ("the same without table to fill and file", "BM_WorkbookStream", "BM_WorkbookHashesAndBytes", None),
     *((f"sort of 10,000 rows by column {column}", f"BM_SortByColumn/{column}/min_time:0.050", None,
        None) for column in range(32)),
 )
