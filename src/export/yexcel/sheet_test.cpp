@@ -113,4 +113,13 @@ TEST(Sheet, TellsItsMergedCellsInTheOrderOfTheTable) {
   EXPECT_EQ(sheet.merged().begin()->first, Sheet::Place(0, 5));
 }
 
+TEST(Sheet, ShowsAsOneWhatACellWasMergedWithLast) {
+  Sheet sheet;
+  sheet.Merge(1, 1, {2, 3});
+  sheet.Merge(1, 1, {4, 5});
+  ASSERT_EQ(sheet.merged().size(), 1u);
+  EXPECT_EQ(sheet.merged().begin()->second.rows, 4);
+  EXPECT_EQ(sheet.merged().begin()->second.columns, 5);
+}
+
 }  // namespace

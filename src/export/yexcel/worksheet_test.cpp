@@ -86,6 +86,14 @@ TEST(WorksheetRecords, LayOutAnIndex) {
   EXPECT_EQ(index.RecordSize(), 28u);
 }
 
+TEST(WorksheetRecords, CountAHeaderForEachFullBodyOfAnIndex) {
+  Worksheet::Index index;
+  index.DBCellPos.resize(2051);
+  EXPECT_EQ(index.RecordSize(), 4u + 8220);
+  index.DBCellPos.resize(2052);
+  EXPECT_EQ(index.RecordSize(), 4u + 8224 + 4);
+}
+
 TEST(WorksheetRecords, LayOutDimensions) {
   EXPECT_EQ(hex_of_record(Worksheet::Dimensions{1, 0x20304, 5, 0x607}),
             digits("0002 0e00 01000000 04030200 0500 0706 0000"));
@@ -206,6 +214,52 @@ TEST_F(WorksheetTest, CountsATextOfTwoCellsOnceAndItsUsesTwice) {
             digits("fd00:00000000000000000000") + " " + digits("fd00:01000000000000000000"));
   EXPECT_EQ(strings.stringsTotal(), 2u);
   EXPECT_EQ(strings.uniqueStringsTotal(), 1u);
+}
+
+TEST_F(WorksheetTest, EntersNarrowAndWideTextsAsTheyAre) {
+  cell(0, 0).SetText(String("a"));
+  cell(0, 1).SetText(std::u16string(u"a\x20AC"));
+  cell(0, 2).SetText(std::u16string(u"b"));
+  EXPECT_EQ(cells(), digits("fd00:00000000000000000000") + " " +
+                         digits("fd00:00000100000001000000") + " " +
+                         digits("fd00:00000200000002000000"));
+  std::string table;
+  strings.Write(table);
+  EXPECT_EQ(hex_of(table), digits("fc00 1800 03000000 03000000") +
+                               digits("0100 00 61 0200 01 6100 ac20 0100 01 6200"));
+}
+
+TEST_F(WorksheetTest, TellsTextsBeyondTheFirst65536) {
+  for (size_t i = 0; i < 257 * 256; ++i)
+    cell(i / 256, i % 256).SetText(String::formatted("%d", static_cast<int>(i)));
+  EXPECT_EQ(number32(bodies(253).back(), 6), 257u * 256 - 1);
+}
+
+TEST_F(WorksheetTest, NumbersItsRowsAndTheirCells) {
+  fill(300, 2);
+  const auto rows = bodies(kRowCode);
+  const auto labels = bodies(253);
+  ASSERT_EQ(rows.size(), 300u);
+  ASSERT_EQ(labels.size(), 600u);
+  for (size_t row = 0; row < 300; ++row) {
+    EXPECT_EQ(number16(rows[row], 0), row);
+    EXPECT_EQ(number16(rows[row], 4), 2);
+    for (const size_t column : {0U, 1U}) {
+      EXPECT_EQ(number16(labels[2 * row + column], 0), row);
+      EXPECT_EQ(number16(labels[2 * row + column], 2), column);
+    }
+  }
+}
+
+TEST_F(WorksheetTest, TellsThatAll65536RowsAndAll256ColumnsAreUsed) {
+  cell(65535, 0);
+  EXPECT_EQ(hex_of(bodies(kIndexCode)[0].substr(0, 16)),
+            digits("00000000 00000000 00000100 00000000"));
+  EXPECT_EQ(hex_of(bodies(512)[0]), digits("00000000 00000100 0000 0100 0000"));
+  sheet = Sheet();
+  cell(0, 255);
+  EXPECT_EQ(hex_of(bodies(512)[0]), digits("00000000 01000000 0000 0001 0000"));
+  EXPECT_EQ(hex_of(bodies(kRowCode)[0]), digits("0000 0000 0001 ff00 0000 0000 00010000"));
 }
 
 TEST_F(WorksheetTest, HasOneBlockForASheetWithOnlyAHeaderRow) {
@@ -376,11 +430,13 @@ TEST_F(WorksheetTest, TellsPositionsOfTheLargestTable) {
 }
 
 TEST_F(WorksheetTest, TellsPositionsOfTheLongestRows) {
+  // A whole block of them is longer than 16 bits can tell.
   for (size_t column = 0; column < 256; ++column) {
-    for (const size_t row : {0U, 1U})
+    for (size_t row = 0; row < 32; ++row)
       cell(row, column).SetReal(0.123);
   }
   expect_positions(records(), 0);
+  EXPECT_EQ(number32(bodies(kDBCellCode)[0], 0), 32u * (20 + 256 * 18));
 }
 
 }  // namespace
