@@ -18,6 +18,7 @@ using YExcel::test::ReadRecord;
 using YExcel::test::ReadText;
 
 constexpr StorageStatus kFailure = -7;
+constexpr auto kInvalidArgument = static_cast<StorageStatus>(0x80070057);  // E_INVALIDARG
 
 std::u16string widened(const std::string& text) {
   std::u16string wide;
@@ -196,7 +197,7 @@ TEST_F(WorkbookTest, TellsThePlatformsFailure) {
 TEST_F(WorkbookTest, RefusesMoreRowsThanASheetHas) {
   sheet.columns.push_back({"title", u"General", 0});
   sheet.rows.resize(65536, {String("text")});
-  EXPECT_LT(write(), 0);
+  EXPECT_EQ(write(), kInvalidArgument);
   EXPECT_TRUE(storage.calls().empty());
   sheet.rows.pop_back();
   EXPECT_EQ(write(), 0);
@@ -204,7 +205,7 @@ TEST_F(WorkbookTest, RefusesMoreRowsThanASheetHas) {
 
 TEST_F(WorkbookTest, RefusesMoreColumnsThanASheetHas) {
   sheet.columns.resize(257);
-  EXPECT_LT(write(), 0);
+  EXPECT_EQ(write(), kInvalidArgument);
   EXPECT_TRUE(storage.calls().empty());
   sheet.columns.pop_back();
   EXPECT_EQ(write(), 0);

@@ -153,21 +153,20 @@ TEST_F(DocumentTest, TellsPositionsFromTheStartOfTheStream) {
 }
 
 TEST_F(DocumentTest, TellsPositionsByTheRulesEvenWhereStringsNeedMoreRecords) {
-  // The first two strings leave less room than a string is begun in, so that the second record
-  // begins before the first is full.
+  // Each of the first two strings leaves less room than a string is begun in, and so the third
+  // stands in a third record, though the body as a whole would fill less than two.
+  const size_t lengths[] = {8205, 8216, 4};
   for (size_t i = 0; i < 3; ++i) {
-    const std::string text(4100, static_cast<char>('a' + i));
+    const std::string text(lengths[i], static_cast<char>('a' + i));
     document->SheetAt(0)->CellAt(i, 0)->SetText(String(text));
   }
   const std::string stream = document->stream();
-  size_t continued = 0;
-  uint32_t body = 0;
+  std::vector<size_t> bodies;
   for (const ReadRecord& record : read_records(stream)) {
-    if (record.code == 60) ++continued;
-    if (record.code == 252 || record.code == 60) body += static_cast<uint32_t>(record.body.size());
+    if (record.code == 252 || record.code == 60) bodies.push_back(record.body.size());
   }
-  const auto counted = body / 8224;
-  EXPECT_EQ(sheet_begins(stream)[0] - told_begins(stream)[0], 4 * (continued - counted));
+  EXPECT_EQ(bodies, (std::vector<size_t>{8216, 8219, 7}));
+  EXPECT_EQ(sheet_begins(stream)[0] - told_begins(stream)[0], 4u);
 }
 
 TEST_F(DocumentTest, GivesTheSameStreamAgain) {
@@ -250,6 +249,22 @@ TEST_F(DocumentTest, FailsAsEachOperationDoes) {
     const auto asked = static_cast<size_t>(failing.calls().rend() - last);
     EXPECT_EQ(asked, static_cast<size_t>(operation) + 1);
   }
+}
+
+TEST_F(DocumentTest, TakesOnlyANegativeStatusForAFailure) {
+  constexpr StorageStatus kRemark = 1;
+  storage.fail(Operation::write, kRemark);
+  EXPECT_TRUE(document->SaveAs(kPath));
+  EXPECT_EQ(document->status(), 0);
+}
+
+TEST_F(DocumentTest, KeepsTheStatusOfItsLastFailure) {
+  storage.refuse(kWidePath);
+  EXPECT_FALSE(document->SaveAs(kPath));
+  const StorageStatus failure = document->status();
+  EXPECT_TRUE(document->SaveAs("C:\\b.xls"));
+  EXPECT_EQ(document->status(), failure);
+  EXPECT_LT(failure, 0);
 }
 
 TEST_F(DocumentTest, FailsWhereTheStreamTakesFewerBytes) {
