@@ -112,8 +112,10 @@ TEST(ExportSheet, LastColumnTellsNewAndChangedInTheCurrentLanguage) {
   UninstallEntry entry = named("Birch");
   entry.changed = -1;
   EXPECT_STREQ(only_row(entry)[28].c_str(), "#134");
-  entry.changed = 4;
-  EXPECT_STREQ(only_row(entry)[28].c_str(), "#133");
+  for (const int32_t changed : {4, 1, -2}) {
+    entry.changed = changed;
+    EXPECT_STREQ(only_row(entry)[28].c_str(), "#133") << changed;
+  }
   entry.changed = 0;
   EXPECT_STREQ(only_row(entry)[28].c_str(), "");
 }

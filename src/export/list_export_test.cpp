@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -36,6 +37,7 @@ UninstallEntry named(const char* name) {
 class FakeList : public ExportedList {
  public:
   bool visit_packages(const Visitor& visitor) override {
+    if (on_visit) on_visit();
     if (!can_be_had) return false;
     for (const UninstallEntry& entry : entries)
       visitor(entry);
@@ -46,6 +48,7 @@ class FakeList : public ExportedList {
   std::vector<UninstallEntry> entries{named("Birch"), named("Alder")};
   ExportFilter filter;
   bool can_be_had = true;
+  std::function<void()> on_visit;
 };
 
 class ListExportTest : public testing::Test {
@@ -121,6 +124,13 @@ TEST_F(ListExportTest, AListThatCannotBeHadEndsSilently) {
   EXPECT_TRUE(fs::is_empty(folder_));
 }
 
+TEST_F(ListExportTest, TheWaitCursorIsShownWhileThePackagesAreGathered) {
+  int cursors = 0;
+  list_.on_visit = [&] { cursors = frame_.cursors; };
+  export_to(in_folder("list.csv"));
+  EXPECT_EQ(cursors, 1);
+}
+
 TEST_F(ListExportTest, ANameThatDoesNotEndInXlsIsATextFileThatNobodyOpens) {
   for (const char* name : {"list.csv", "list.txt", "list"}) {
     export_to(in_folder(name));
@@ -187,6 +197,13 @@ TEST_F(ListExportTest, MoreRowsThanAWorkbookHoldsAreToldAndNothingIsWritten) {
   EXPECT_TRUE(shell_.starts().empty());
   export_to(in_folder("all.csv"));
   EXPECT_EQ(lines_of(in_folder("all.csv")), kTooMany + 1);
+}
+
+TEST_F(ListExportTest, AsManyRowsAsAWorkbookHoldsAreWritten) {
+  list_.entries.assign(kTooMany - 1, named("Birch"));
+  export_to("C:\\Software.xls");
+  EXPECT_TRUE(frame_.boxes.empty());
+  EXPECT_NE(storage_.file(u"C:\\Software.xls"), nullptr);
 }
 
 }  // namespace

@@ -89,4 +89,22 @@ TEST_F(MemoryStorageTest, TakesFewerBytesWhereItIsFull) {
   EXPECT_EQ(*storage.file(u"a.xls"), (Streams{{u"S", "xy"}}));
 }
 
+TEST_F(MemoryStorageTest, FailsWithThePlatformsCodes) {
+  const auto code = [](uint32_t bits) { return static_cast<StorageStatus>(bits); };
+  storage.create(u"", status);
+  EXPECT_EQ(status, code(0x80030003));  // path not found
+  const auto file = create();
+  create();
+  EXPECT_EQ(status, code(0x80030020));  // share violation
+  file->open_stream(u"S", status);
+  EXPECT_EQ(status, code(0x80030002));  // file not found
+  file->create_stream(u"S");
+  const auto stream = file->open_stream(u"S", status);
+  file->open_stream(u"S", status);
+  EXPECT_EQ(status, code(0x80030005));  // access denied
+  EXPECT_EQ(file->create_stream(u"S"), code(0x80030005));
+  storage.take_at_most(1);
+  EXPECT_EQ(stream->write("ab", 2), code(0x80030070));  // medium full
+}
+
 }  // namespace
