@@ -106,12 +106,12 @@ def libreoffice_sheets(files):
             "csv:Text - txt - csv (StarCalc):44,34,76,1,,0,true,false,false,false,false,-1",
             "--outdir", f"{folder}/made", *files)
         return [[parsed(made.read_bytes())
-                 for made in sorted(Path(folder, "made").glob(f"{Path(file).stem}-*.csv"))]
+                 for made in sorted(Path(folder, "made").glob(f"{Path(file).stem}-Sheet*.csv"))]
                 for file in files]
 
 
 def catdoc_sheets(files):
-    """A form feed ends each sheet."""
+    """A form feed ends each sheet. One without any cell isn't shown at all."""
     return [[parsed(sheet) for sheet in
              run("xls2csv", "-q", "3", "-b", "\f", "-d", "utf-8", file).split(b"\f")[:-1]]
             for file in files]
@@ -119,24 +119,31 @@ def catdoc_sheets(files):
 
 @dataclass(frozen=True)
 class Reader:
-    """A program that reads workbooks. The table of strings names no code page for its 8-bit
+    """A program that reads workbooks. Nothing in a workbook names a code page for 8-bit
     characters: some take them for the first 256 of Unicode, others for Windows-1252."""
 
     sheets: Callable  # of some files: for each its sheets, lines of texts
     characters: str = "latin-1"
-    line_end: str = "\r\n"
+    own_line_ends: bool = False  # makes one kind of all
+    misread: str = ""  # characters that it takes for something else, or from which on it is lost
+    trusts_positions: bool = False  # looks for a sheet only where the table of sheets says
 
     def shows(self, text):
         """What it makes of a text of the program."""
-        return text.encode("cp1252").decode(self.characters).replace("\r\n", self.line_end)
+        return self.ends(text.encode("cp1252").decode(self.characters))
+
+    def ends(self, text):
+        """A text with such line ends as it shows."""
+        return text.replace("\r\n", "\n").replace("\r", "\n") if self.own_line_ends else text
 
 
 READERS = {
-    "xlrd": Reader(xlrd_sheets),
+    "xlrd": Reader(xlrd_sheets, trusts_positions=True),
     "Gnumeric": Reader(gnumeric_sheets, characters="cp1252"),
-    # Knows one kind of line end.
-    "LibreOffice": Reader(libreoffice_sheets, line_end="\n"),
-    "catdoc": Reader(catdoc_sheets, characters="cp1252"),
+    "LibreOffice": Reader(libreoffice_sheets, own_line_ends=True),
+    # A byte 1 inside a text means to it that 16-bit characters follow; two others are a tab and a
+    # line end.
+    "catdoc": Reader(catdoc_sheets, characters="cp1252", misread="\x01\x1c\x1e"),
 }
 
 
