@@ -23,6 +23,9 @@ run_host() {
     --benchmark_enable_random_interleaving=true --benchmark_report_aggregates_only=true \
     --benchmark_out="$results/host.json" --benchmark_out_format=json >"$results/host.log" 2>&1
   build/host/bench/workbook_memory >"$results/workbook_memory.txt"
+  echo "bench: workbooks of other programs, 5 times in turns"
+  "$python" scripts/bench_workbook.py build/host/bench/csv_to_workbook \
+    >"$results/workbook_file.txt"
 }
 
 # run_wine NAME [ARGUMENT...]: in a prefix and on a screen of its own.

@@ -80,6 +80,12 @@ EXPORT_PASS = (
     ("export as JSON lines, 2,000 entries", "json", "the pass alone", 1.1),
     ("export as CSV, 2,000 entries", "csv", "the pass alone", 1.1),
 )
+WORKBOOK_FILE = (
+    ("workbook from texts, 10,000 by 29 cells", "zolvane, writing", "xlwt, writing", 0.1),
+    ("workbook from CSV, whole process", "zolvane", "quickest converter, without its start", 0.1),
+    ("workbook from CSV, whole process", "zolvane", "ssconvert", None),
+    ("workbook from CSV, whole process", "zolvane", "LibreOffice", None),
+)
 
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
 
@@ -123,7 +129,8 @@ def main():
         times = target_medians(folder / f"{file}.txt")
         print_row(title, times["zolvane"], beside, times[beside], bar)
     for file, rows in (("list_model", LIST_MODEL), ("list_paint", LIST_PAINT),
-                       ("icon_pass", ICON_PASS), ("export_pass", EXPORT_PASS)):
+                       ("icon_pass", ICON_PASS), ("export_pass", EXPORT_PASS),
+                       ("workbook_file", WORKBOOK_FILE)):
         times = target_medians(folder / f"{file}.txt")
         for title, name, beside, bar in rows:
             print_row(title, times[name], beside or "", times.get(beside), bar)

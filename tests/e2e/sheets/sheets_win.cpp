@@ -5,6 +5,7 @@
 //                         "integer" or "real" with a number
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <fstream>
 #include <memory>
 #include <sstream>
@@ -96,11 +97,8 @@ class Book {
   size_t sheet_ = 0;
 };
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  if (argc != 2) return 2;
-  std::ifstream lines(argv[1]);
+int write_books(const char* path) {
+  std::ifstream lines(path);
   const std::unique_ptr<CompoundStorage> storage = make_system_storage();
   Book book(*storage);
   std::string line;
@@ -110,4 +108,15 @@ int main(int argc, char** argv) {
     return 1;
   }
   return lines.eof() && book.save() ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return argc == 2 ? write_books(argv[1]) : 2;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return 1;
+  }
 }
