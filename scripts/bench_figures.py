@@ -82,7 +82,7 @@ EXPORT_PASS = (
 )
 WORKBOOK_FILE = (
     ("workbook from texts, 10,000 by 29 cells", "zolvane, writing", "xlwt, writing", 0.1),
-    ("workbook from CSV, whole process", "zolvane", "quickest converter, without its start", 0.1),
+    ("workbook from CSV, whole process", "zolvane", "quickest converter without start", 0.1),
     ("workbook from CSV, whole process", "zolvane", "ssconvert", None),
     ("workbook from CSV, whole process", "zolvane", "LibreOffice", None),
 )

@@ -97,7 +97,7 @@ def main():
         for file in bench.written():
             assert file.stat().st_size > 1_000_000, file
     medians = {name: statistics.median(times[name] for times in rounds) for name in rounds[0]}
-    medians["quickest converter, without its start"] = min(
+    medians["quickest converter without start"] = min(
         medians[name] for name in medians if name.endswith("without its start"))
     for name, seconds in medians.items():
         print(f"  {name:38} {seconds * 1000:10.3f} ms")
