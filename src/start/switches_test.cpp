@@ -52,6 +52,11 @@ TEST(Switches, TheWordAfterExportIsTheFile) {
       {"-export \" \"", true, " "},
       {"-export a -export b", true, "a"},
       {"-export -export", true, "-export"},
+      {"-export -ger", true, "-ger"},
+      {"-ger\t-export\ta.csv\t-eng", true, "a.csv"},
+      {"-export a\tb", true, "a"},
+      {"-export \"a\tb\"", true, "a\tb"},
+      {"-ger -export", true, ""},
       {"x-export a", false, ""},
       {"-exports a", false, ""},
       {"-export=a", false, ""},
@@ -71,8 +76,16 @@ TEST(Switches, TheExportsFileHoldsNone) {
   const Switches none = read_switches("-export x-german-eng-postupdate-nopersist-noupdate.xls");
   EXPECT_FALSE(none.german || none.english || none.postUpdate || none.noPersist || none.noUpdate);
   EXPECT_FALSE(read_switches("-export \"a -ger b.xls\"").german);
+  EXPECT_FALSE(read_switches("-export -ger").german);
   EXPECT_FALSE(read_switches("-postup -export date.xls").postUpdate);
   EXPECT_FALSE(read_switches("-p -export \"o\"stupdate").postUpdate);
+}
+
+TEST(Switches, TheFirstExportCounts) {
+  const Switches twice = read_switches("-export a.csv -export -ger.csv");
+  EXPECT_STREQ(twice.exportFile.c_str(), "a.csv");
+  // What follows is an ordinary word.
+  EXPECT_TRUE(twice.german);
 }
 
 TEST(Switches, OthersHoldBesideTheExport) {
