@@ -31,11 +31,15 @@ struct CodeText {
 };
 
 constexpr CodeText kCodeTexts[] = {
-    {2, "there is no such folder"},   {3, "there is no such folder"},
-    {5, "access is denied"},          {32, "another program has it open"},
-    {39, "the disk is full"},         {109, "the reader is gone"},
-    {112, "the disk is full"},        {232, "the reader is gone"},
-    {267, "there is no such folder"},
+    {2, "there is no such folder"}, {3, "there is no such folder"},
+    {5, "access is denied"},        {14, "out of memory"},
+    {15, "there is no such drive"}, {19, "the disk is write-protected"},
+    {21, "the drive isn't ready"},  {32, "another program has it open"},
+    {39, "the disk is full"},       {53, "the server can't be reached"},
+    {64, "the server is gone"},     {67, "the server has no such share"},
+    {109, "the reader is gone"},    {112, "the disk is full"},
+    {123, "that is no file name"},  {206, "the name is too long"},
+    {232, "the reader is gone"},    {267, "there is no such folder"},
 };
 
 String code_text(uint32_t code) {
@@ -231,7 +235,7 @@ void write_file(const String& file_name, const PassWriter& writer, NotedReports&
   }
 }
 
-void run_export(const String& file_name, const WindowlessServices& services) {
+void export_pass(const String& file_name, const WindowlessServices& services) {
   NotedReports reports;
   const ORLO::SystemTime pass_time = services.reader.clock.now();
   PackageList packages;
@@ -245,19 +249,25 @@ void run_export(const String& file_name, const WindowlessServices& services) {
   }
 }
 
+/// One line, and never an empty one, which would tell that nothing has failed.
+String failure_line(const String& text) {
+  const String line = in_one_line(text);
+  return line.empty() ? String("failed for an unknown reason") : line;
+}
+
 /// What has failed; empty if nothing has.
 String failure_of(const std::function<void()>& work) {
   try {
     work();
     return String();
   } catch (const ORLO::Exception& exception) {
-    return exception.what();
+    return failure_line(exception.what());
   } catch (const ORLO::ComError& error) {
-    return ORLO::com_error_text(error);
+    return failure_line(ORLO::com_error_text(error));
   } catch (const std::bad_alloc&) {
     return "out of memory";
   } catch (const std::exception& exception) {
-    return exception.what();
+    return failure_line(exception.what());
   }
 }
 
@@ -271,7 +281,7 @@ ExportFormat export_format(const String& file_name) {
 }
 
 String export_without_window(const String& file_name, const WindowlessServices& services) {
-  return in_one_line(failure_of([&] { run_export(file_name, services); }));
+  return failure_of([&] { export_pass(file_name, services); });
 }
 
 String in_one_line(const String& text) {

@@ -205,6 +205,29 @@ TEST_F(WindowlessExport, AFailedWorkbookLeavesTheOldOne) {
   EXPECT_EQ(files(), Names{"list.xls"});
 }
 
+TEST_F(WindowlessExport, AFailureWithoutATextIsAFailureToo) {
+  for (const char* text : {"", " \r\n"}) {
+    at_workbook = [text] { throw std::runtime_error(text); };
+    EXPECT_EQ(run_to("list.xls"), "failed for an unknown reason");
+    EXPECT_EQ(files(), Names{});
+  }
+}
+
+TEST_F(WindowlessExport, FailuresOfTheSystemAreToldInEnglish) {
+  struct Case {
+    uint32_t code;
+    const char* text;
+  };
+  const Case cases[] = {{53, "the server can't be reached (error 53)"},
+                        {67, "the server has no such share (error 67)"},
+                        {123, "that is no file name (error 123)"},
+                        {99999, "error 99999"}};
+  for (const Case& c : cases) {
+    at_workbook = [&c] { throw ORLO::LWE(c.code); };
+    EXPECT_EQ(run_to("list.xls"), "can't write " + folder.path("list.xls") + ": " + c.text);
+  }
+}
+
 TEST_F(WindowlessExport, AReportWhileItWritesLeavesTheOldFile) {
   folder.make("list.xls", "old");
   at_workbook = [] { ORLO::check_assertion(false, "rows", "workbook.cpp", 7); };
