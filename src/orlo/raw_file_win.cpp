@@ -87,6 +87,17 @@ OwnedFile console_stream() {
   return open("CONOUT$", FileAccess::write, OPEN_EXISTING, FILE_SHARE_READ | FILE_SHARE_WRITE, 0);
 }
 
+/// Asked of the system, as in some code pages a character's second byte is that of a backslash.
+String folder_of(const String& file_name) {
+  char path[MAX_PATH] = "";
+  char* name = nullptr;
+  const DWORD length = GetFullPathNameA(file_name.c_str(), MAX_PATH, path, &name);
+  if (length == 0) throw LWE(ERROR_INVALID_NAME);
+  if (length >= MAX_PATH) throw LWE(ERROR_FILENAME_EXCED_RANGE);
+  if (name != nullptr) *name = '\0';
+  return path;
+}
+
 class OverlappedHandleFile final : public OverlappedRawFile {
  public:
   explicit OverlappedHandleFile(OwnedFile file) noexcept : file_(std::move(file)) {}
@@ -184,13 +195,8 @@ uint32_t rename_file(const char* old_name, const char* new_name) noexcept {
 }
 
 String create_temporary_file(const String& neighbour) {
-  const std::string path = neighbour.c_str();
-  const size_t end = path.find_last_of("\\/:");
-  std::string folder = end == std::string::npos ? "." : path.substr(0, end + 1);
-  // What follows a drive's letter alone lies in the folder that is current there.
-  if (folder.back() == ':') folder += '.';
   char name[MAX_PATH] = "";
-  if (GetTempFileNameA(folder.c_str(), "zlv", 0, name) == 0) throw LWE();
+  if (GetTempFileNameA(folder_of(neighbour).c_str(), "zlv", 0, name) == 0) throw LWE();
   return name;
 }
 
