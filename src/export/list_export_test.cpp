@@ -2,16 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "actions/actions_test_support.h"
 #include "orlo/exception.h"
+#include "orlo/file_test_support.h"
 #include "platform/memory_files.h"
 #include "platform/memory_registry.h"
 #include "platform/memory_shell.h"
@@ -19,8 +19,6 @@
 #include "platform/resource_ids.h"
 
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr size_t kTooMany = 65536;
 
@@ -53,34 +51,20 @@ class FakeList : public ExportedList {
 
 class ListExportTest : public testing::Test {
  protected:
-  ListExportTest()
-      : folder_(fs::temp_directory_path() /
-                ("zolvane-list-export-" +
-                 std::string(testing::UnitTest::GetInstance()->current_test_info()->name()))) {
-    fs::remove_all(folder_);
-    fs::create_directories(folder_);
-  }
-  ~ListExportTest() override {
-    EXPECT_EQ(frame_.cursors, 0);
-    fs::remove_all(folder_);
-  }
+  ~ListExportTest() override { EXPECT_EQ(frame_.cursors, 0); }
 
-  std::string in_folder(const char* name) const { return (folder_ / name).string(); }
+  std::string in_folder(const char* name) const { return folder_.path(name); }
   void export_to(const std::string& name) {
     name_ = name.c_str();
     export_.exportList();
   }
-  std::string text_file(const std::string& name) const {
-    std::ostringstream text;
-    text << std::ifstream(name, std::ios::binary).rdbuf();
-    return text.str();
-  }
-  size_t lines_of(const std::string& name) const {
-    const std::string text = text_file(name);
+  size_t lines_of(const char* name) const {
+    const std::string text = folder_.content(name);
     return static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
   }
+  bool folder_is_empty() const { return std::filesystem::is_empty(folder_.path("")); }
 
-  const fs::path folder_;
+  const TempFolder folder_;
   MemoryFiles files_;
   MemoryShell shell_;
   MemoryRegistry registry_{MemoryRegistry::View::native};
@@ -114,14 +98,14 @@ TEST_F(ListExportTest, CancelDoesNothing) {
   export_to("");
   EXPECT_TRUE(frame_.boxes.empty());
   EXPECT_TRUE(shell_.starts().empty());
-  EXPECT_TRUE(fs::is_empty(folder_));
+  EXPECT_TRUE(folder_is_empty());
 }
 
 TEST_F(ListExportTest, AListThatCannotBeHadEndsSilently) {
   list_.can_be_had = false;
   export_to(in_folder("list.csv"));
   EXPECT_TRUE(frame_.boxes.empty());
-  EXPECT_TRUE(fs::is_empty(folder_));
+  EXPECT_TRUE(folder_is_empty());
 }
 
 TEST_F(ListExportTest, TheWaitCursorIsShownWhileThePackagesAreGathered) {
@@ -134,7 +118,7 @@ TEST_F(ListExportTest, TheWaitCursorIsShownWhileThePackagesAreGathered) {
 TEST_F(ListExportTest, ANameThatDoesNotEndInXlsIsATextFileThatNobodyOpens) {
   for (const char* name : {"list.csv", "list.txt", "list"}) {
     export_to(in_folder(name));
-    EXPECT_EQ(lines_of(in_folder(name)), 3u) << name;
+    EXPECT_EQ(lines_of(name), 3u) << name;
   }
   EXPECT_TRUE(shell_.starts().empty());
   EXPECT_TRUE(frame_.boxes.empty());
@@ -179,14 +163,14 @@ TEST_F(ListExportTest, TheFilterOfTheListDecidesAboutNamelessPackagesAndComponen
   export_to(in_folder("plain.csv"));
   list_.filter = {true, true};
   export_to(in_folder("all.csv"));
-  EXPECT_EQ(lines_of(in_folder("plain.csv")), 3u);
-  EXPECT_EQ(lines_of(in_folder("all.csv")), 5u);
+  EXPECT_EQ(lines_of("plain.csv"), 3u);
+  EXPECT_EQ(lines_of("all.csv"), 5u);
 }
 
 TEST_F(ListExportTest, NoRowsGiveAFileWithTheTitlesAlone) {
   list_.entries.clear();
   export_to(in_folder("empty.csv"));
-  EXPECT_EQ(lines_of(in_folder("empty.csv")), 1u);
+  EXPECT_EQ(lines_of("empty.csv"), 1u);
 }
 
 TEST_F(ListExportTest, MoreRowsThanAWorkbookHoldsAreToldAndNothingIsWritten) {
@@ -196,7 +180,7 @@ TEST_F(ListExportTest, MoreRowsThanAWorkbookHoldsAreToldAndNothingIsWritten) {
   EXPECT_EQ(storage_.file(u"C:\\Software.xls"), nullptr);
   EXPECT_TRUE(shell_.starts().empty());
   export_to(in_folder("all.csv"));
-  EXPECT_EQ(lines_of(in_folder("all.csv")), kTooMany + 1);
+  EXPECT_EQ(lines_of("all.csv"), kTooMany + 1);
 }
 
 TEST_F(ListExportTest, AsManyRowsAsAWorkbookHoldsAreWritten) {
