@@ -214,11 +214,37 @@ def test_a_file_that_another_program_holds_is_told_and_stays(window, folder, vie
     eventually((folder / "next.csv").exists, "the next file")
 
 
-def test_closing_the_program_closes_the_dialog(window, folder):
-    SaveDialog.of(window)
+def close_program(window):
     window.program.ask("post", WM_CLOSE, 0, 0)
     assert window.program.exit_code() == 0
+
+
+def test_closing_the_program_closes_the_dialog(window, folder):
+    SaveDialog.of(window)
+    close_program(window)
     assert [file.name for file in folder.iterdir()] == [".keep"]
+
+
+@pytest.mark.parametrize("name", ["old.csv", "old.xls"])
+def test_closing_the_program_at_the_question_leaves_the_file(window, folder, viewer, name):
+    (folder / name).write_bytes(OLD)
+    dialog = SaveDialog.of(window)
+    dialog.save_as(f"C:\\Lists\\{name}")
+    dialog.question()
+    close_program(window)
+    assert (folder / name).read_bytes() == OLD
+    assert viewer.lines() == []
+
+
+def test_closing_the_program_closes_the_box_about_a_workbook(window, folder):
+    (folder / "taken.xls").write_bytes(OLD)
+    with taken(window.desk, "C:\\Lists\\taken.xls"):
+        dialog = SaveDialog.of(window)
+        dialog.save_as("C:\\Lists\\taken.xls")
+        dialog.question().answer(YES)
+        window.box(EXCEPTION)
+        close_program(window)
+    assert (folder / "taken.xls").read_bytes() == OLD
 
 
 def test_the_dialog_is_operated_by_the_keyboard_alone(window, world, folder):

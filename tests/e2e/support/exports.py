@@ -14,7 +14,7 @@ import xlrd
 
 from . import rules
 from .program import eventually
-from .window import CANCEL, NO, OK, YES, Box
+from .window import CANCEL, NO, OK, WM_COMMAND, YES, Box
 
 EXPORT = 1024
 DIALOG_TITLES = {"english": "Export software list...", "german": "Export der Software-Liste..."}
@@ -167,7 +167,7 @@ class SaveDialog(Box):
     def save_as(self, name):
         """Presses Save without waiting for the dialog's end."""
         self.desk.driver("set-text", self.handle, FILE_NAME, name)
-        self.desk.driver("post", self.handle, 0x111, OK, 0)
+        self.desk.driver("post", self.handle, WM_COMMAND, OK, 0)
 
     def question(self):
         """The box that asks whether a file is to be replaced."""
