@@ -109,4 +109,29 @@ TEST(OverlappedInFile, GivesUpAReadUnderWayForASeek) {
   EXPECT_EQ(file.tell(), 100u);
 }
 
+TEST(CreateTemporaryFile, InAFolderWhosePathIsTooLongMakesNothing) {
+  const TempFolder folder;
+  std::string path = folder.path("");
+  while (path.size() < 300) {
+    path += ".\\";
+    if (path.size() <= 246) continue;
+    try {
+      ORLO::create_temporary_file(path + "list.csv");
+      ADD_FAILURE() << path.size();
+    } catch (const ORLO::LWE& failure) {
+      EXPECT_EQ(failure.code, static_cast<uint32_t>(ERROR_FILENAME_EXCED_RANGE)) << path.size();
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path(""))) << path.size();
+  }
+}
+
+TEST(CreateTemporaryFile, InAFolderOfTheLongestPathMakesAFile) {
+  const TempFolder folder;
+  std::string path = folder.path("");
+  path.append(245 - path.size(), 'x');
+  std::filesystem::create_directory(path);
+  const String name = ORLO::create_temporary_file(path + "\\list.csv");
+  EXPECT_TRUE(std::filesystem::exists(name.c_str()));
+}
+
 }  // namespace

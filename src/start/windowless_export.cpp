@@ -39,7 +39,8 @@ constexpr CodeText kCodeTexts[] = {
     {64, "the server is gone"},     {67, "the server has no such share"},
     {109, "the reader is gone"},    {112, "the disk is full"},
     {123, "that is no file name"},  {206, "the name is too long"},
-    {232, "the reader is gone"},    {267, "there is no such folder"},
+    {232, "the reader is gone"},    {233, "the reader is gone"},
+    {267, "there is no such folder"},
 };
 
 String code_text(uint32_t code) {

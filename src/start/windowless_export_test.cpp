@@ -184,6 +184,8 @@ TEST_F(WindowlessExport, FailsWithoutAStandardOutputOrWithAClosedOne) {
   has_output = true;
   output.error = 232;
   EXPECT_EQ(run("-"), "can't write standard output: the reader is gone (error 232)");
+  output.error = 233;
+  EXPECT_EQ(run("-"), "can't write standard output: the reader is gone (error 233)");
   output.error = 112;
   EXPECT_EQ(run("-"), "can't write standard output: the disk is full (error 112)");
 }

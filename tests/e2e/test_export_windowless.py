@@ -252,6 +252,21 @@ def test_a_folder_of_the_targets_name_stays(exports):
     assert exports.names() == ["list.csv"]
 
 
+def test_a_path_that_is_too_long_is_told_and_nothing_is_made(exports):
+    folder = exports.folder / ("y" * 240)
+    folder.mkdir()
+    check_failed(exports.export(f"{folder.name}\\list.json"), "its path is too long (error 206)")
+    assert list(folder.iterdir()) == []
+    folder.rename(exports.folder / ("y" * 238))
+    check_done(exports.export("y" * 238 + "\\list.json"))
+
+
+def test_what_no_file_can_be_called_is_told(exports):
+    for name in ("*.csv", "a?.json", "a|b.xls"):
+        check_failed(exports.export(name), "it can't be a file's name (error 123)")
+        assert exports.names() == []
+
+
 def test_what_is_there_is_replaced_whole(exports):
     (exports.folder / "list.json").write_bytes(b"x" * 1_000_000)
     check_done(exports.export("list.json"))
@@ -279,7 +294,7 @@ def test_the_standard_output_may_be_full_or_closed(exports):
     read_end, write_end = os.pipe()
     os.close(read_end)
     try:
-        check_failed(exports.run("-export", "-", output=write_end), "can't write standard output: ")
+        check_failed(exports.run("-export", "-", output=write_end), "the reader is gone")
     finally:
         os.close(write_end)
 
