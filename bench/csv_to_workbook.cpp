@@ -40,6 +40,7 @@ class FileStorage final : public CompoundStorage {
   struct File final : CompoundFile {
     explicit File(const char* to) : path(to) {}
     StorageStatus create_stream(const char16_t* /*name*/) override { return 0; }
+    StorageStatus commit() override { return 0; }
     std::unique_ptr<StorageStream> open_stream(const char16_t* /*name*/,
                                                StorageStatus& status) override {
       status = 0;

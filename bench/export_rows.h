@@ -93,6 +93,7 @@ class CountingStorage final : public CompoundStorage {
   struct File final : CompoundFile {
     explicit File(size_t& count) : written(count) {}
     StorageStatus create_stream(const char16_t* /*name*/) override { return 0; }
+    StorageStatus commit() override { return 0; }
     std::unique_ptr<StorageStream> open_stream(const char16_t* /*name*/,
                                                StorageStatus& status) override {
       status = 0;

@@ -54,18 +54,6 @@ TEST(PackageList, TellsPackagesApartByKeyNameAndNotByName) {
   EXPECT_EQ(told(list), (Told{"1 x A", "2 z B, C"}));
 }
 
-TEST(PackageList, TakesAwayTheFirstEntryWithThatNameAndRoot) {
-  PackageList list;
-  list.applyEntry(make_entry("x", kMachine));
-  list.applyEntry(make_entry("x", kUser));
-  list.removeEntry({{"-2147483647", "x"}});
-  list.removeEntry({{"-2147483647", "none"}});
-  list.removeEntry({{"x"}});
-  EXPECT_EQ(told(list), Told{"1 x A"});
-  list.applyEntry(make_entry("x", kUser, "B"));
-  EXPECT_EQ(told(list), (Told{"1 x A", "3 x B"}));
-}
-
 TEST(PackageList, StartsAnewWhenCleared) {
   PackageList list;
   list.applyEntry(make_entry("x"));

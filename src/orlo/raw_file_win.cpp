@@ -198,7 +198,7 @@ String create_temporary_file(const String& neighbour) {
   const std::string folder = folder_of(neighbour);
   // The system's own limit, which not every system looks at before it fills the name's room.
   constexpr size_t kLongestFolder = MAX_PATH - 14;
-  if (folder.size() > kLongestFolder) throw LWE(ERROR_FILENAME_EXCED_RANGE);
+  if (folder.length() > kLongestFolder) throw LWE(ERROR_FILENAME_EXCED_RANGE);
   char name[MAX_PATH] = "";
   if (GetTempFileNameA(folder.c_str(), "zlv", 0, name) == 0) throw LWE();
   return name;

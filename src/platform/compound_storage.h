@@ -26,6 +26,9 @@ class CompoundFile {
   /// IStorage::OpenStream with mode 0x12. Null after a failure.
   virtual std::unique_ptr<StorageStream> open_stream(const char16_t* name,
                                                      StorageStatus& status) = 0;
+  /// IStorage::Commit: whatever was held back by now reaches the file. A full disk may show only
+  /// here.
+  virtual StorageStatus commit() = 0;
 };
 
 class CompoundStorage {

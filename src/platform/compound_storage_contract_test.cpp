@@ -47,6 +47,7 @@ TEST_P(StorageContract, KeepsExactlyTheOneStreamThatWasMade) {
   EXPECT_EQ(status(), 0);
   EXPECT_EQ(stream->write("abc", 3), 0);
   stream.reset();
+  EXPECT_EQ(file->commit(), 0);
   file.reset();
   EXPECT_EQ(read(), (Streams{{u"Workbook", "abc"}}));
 }

@@ -56,6 +56,11 @@ class SystemCompoundFile final : public CompoundFile {
     return std::make_unique<SystemStream>(std::move(stream));
   }
 
+  StorageStatus commit() override {
+    const HRESULT status = storage_.get()->Commit(STGC_DEFAULT);
+    return FAILED(status) ? status : 0;
+  }
+
  private:
   OwnedCom<IStorage> storage_;
 };

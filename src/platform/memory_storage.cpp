@@ -83,6 +83,11 @@ class MemoryStorage::File final : public CompoundFile {
     return std::make_unique<Stream>(storage_, open_, found->first, found->second);
   }
 
+  StorageStatus commit() override {
+    storage_.calls_.push_back("commit");
+    return storage_.failure(Operation::commit);
+  }
+
  private:
   MemoryStorage& storage_;
   const std::u16string path_;

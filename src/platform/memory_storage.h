@@ -16,7 +16,7 @@
 /// be gone before it is.
 class MemoryStorage : public CompoundStorage {
  public:
-  enum class Operation { create, create_stream, open_stream, write };
+  enum class Operation { create, create_stream, open_stream, write, commit };
 
   struct NameOrder {
     bool operator()(const std::u16string& a, const std::u16string& b) const;
@@ -34,7 +34,7 @@ class MemoryStorage : public CompoundStorage {
   /// What a file holds. Null if there is none, and while it is open: nobody could read it.
   const Streams* file(const std::u16string& path) const;
   /// All calls in their order, whatever became of them, and what was let go: "create PATH", "create
-  /// stream NAME", "open stream NAME", "write COUNT", "close stream NAME", "close PATH".
+  /// stream NAME", "open stream NAME", "write COUNT", "commit", "close stream NAME", "close PATH".
   const std::vector<std::string>& calls() const noexcept { return calls_; }
 
   std::unique_ptr<CompoundFile> create(const char16_t* path, StorageStatus& status) override;

@@ -22,10 +22,11 @@ TEST_F(MemoryStorageTest, LogsAllCallsAndWhatIsLetGo) {
   file->create_stream(u"S");
   file->open_stream(u"S", status)->write("abc", 3);
   file->open_stream(u"T", status);
+  EXPECT_EQ(file->commit(), 0);
   file.reset();
   EXPECT_EQ(storage.calls(),
             (std::vector<std::string>{"create a.xls", "create stream S", "open stream S", "write 3",
-                                      "close stream S", "open stream T", "close a.xls"}));
+                                      "close stream S", "open stream T", "commit", "close a.xls"}));
 }
 
 TEST_F(MemoryStorageTest, ShowsAFileOnlyOnceItHasBeenLetGo) {
@@ -51,6 +52,11 @@ TEST_F(MemoryStorageTest, FailsToCreateAsItIsTold) {
   EXPECT_EQ(create(), nullptr);
   EXPECT_EQ(status, kFailure);
   EXPECT_NE(storage.file(u"a.xls"), nullptr);  // what was there stays
+}
+
+TEST_F(MemoryStorageTest, FailsToCommitAsItIsTold) {
+  storage.fail(Operation::commit, kFailure);
+  EXPECT_EQ(create()->commit(), kFailure);
 }
 
 TEST_F(MemoryStorageTest, FailsToCreateAStreamAsItIsTold) {

@@ -1,6 +1,6 @@
 #include <windows.h>
 
-#include <cstring>
+#include <cstdlib>
 #include <exception>
 
 #include "orlo/exception_handling.h"
@@ -38,6 +38,7 @@ int end_unanswered(const char* text, const char*, uint32_t) noexcept {
 /// Neither we nor the system show anything from here on.
 void show_nothing() {
   SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
+  _set_error_mode(_OUT_TO_STDERR);
   ORLO::answer_boxes_with(&end_unanswered);
   ORLO::install_exception_handling(true);
 }

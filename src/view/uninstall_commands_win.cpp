@@ -178,7 +178,8 @@ void UninstallDlg::copy_cell() {
 }
 
 void UninstallDlg::export_list() {
-  if (!ending()) export_.exportList();
+  export_due_ = cycle_.refreshing();
+  if (!export_due_ && !ending()) export_.exportList();
 }
 
 bool UninstallDlg::visit_packages(const Visitor& visitor) {
@@ -205,6 +206,11 @@ void UninstallDlg::run_postponed_action() {
   if (!postponed_action_ || cycle_.refreshing()) return;
   const PostponedAction action = *std::exchange(postponed_action_, std::nullopt);
   if (!ending()) actions_.run(action.command, {&action.entry});
+}
+
+void UninstallDlg::run_postponed() {
+  run_postponed_action();
+  if (export_due_) export_list();
 }
 
 void UninstallDlg::tell_pending(unsigned command) {

@@ -63,11 +63,14 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   void show_issue_tracker();
   void switch_language();
   void copy_cell();
+  /// As a package action it waits for the end of a refresh: its dialog would keep that from handing
+  /// over what it has read.
   void export_list();
   /// False if the command isn't one of the package actions and tools. An action waits for the end
   /// of a refresh that is running, which else would have to wait for the installer.
   bool start_action(unsigned command);
   void run_postponed_action();
+  void run_postponed();
   /// Says of a command that its work isn't there yet.
   void tell_pending(unsigned command);
   // Changes of what the list shows. They give the number of rows that are shown now, or nothing if
@@ -164,6 +167,7 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
     UninstallEntry entry;
   };
   std::optional<PostponedAction> postponed_action_;
+  bool export_due_ = false;
   bool shut_down_ = false;
   /// What the dialog is to end with when the refresh that is running has ended.
   std::optional<INT_PTR> due_result_;

@@ -251,7 +251,7 @@ LRESULT UninstallDlg::WndProc(UINT message, WPARAM wparam, LPARAM lparam) {
       icons_.answer_call();
       return TRUE;
     case kRunPostponedAction:
-      run_postponed_action();
+      run_postponed();
       return TRUE;
     case WM_TIMER:
       return timer_ran(wparam) ? TRUE : Base::WndProc(message, wparam, lparam);
@@ -351,7 +351,7 @@ void UninstallDlg::after_refresh() {
   if (due_result_) EndDialog(*due_result_);
   // By a message: a refresh may have been asked for by somebody who hasn't the time for an
   // installer.
-  if (postponed_action_) PostMessageA(_hwnd, kRunPostponedAction, 0, 0);
+  if (postponed_action_ || export_due_) PostMessageA(_hwnd, kRunPostponedAction, 0, 0);
 }
 
 void UninstallDlg::forget_entries() {

@@ -6,6 +6,7 @@ import pytest
 
 from conftest import SCREENSHOTS
 from support import handlers
+from support.exports import EXPORT, SaveDialog
 from support.program import ALL_PACKAGES, LIST, REFRESH, SEARCH, STATUS, eventually
 from support.registry import Key
 from support.seeding import has_key, path_of, seed, set_value
@@ -322,6 +323,18 @@ def test_modify_during_a_refresh_starts_once_after_it(setups, times):
     eventually(lambda: setups.passes() == before + 1, "it is read again")
     setups.check_passes(window, 1, before)
     assert setups.setup.starts() == ["/modify"]
+    assert window.program.close() == 0
+
+
+def test_an_export_asks_for_its_file_after_the_refresh(setups):
+    """Its dialog would keep the refresh from handing over, and the file would lack what it found."""
+    window = open_in_second_pass(setups, EDITOR)
+    window.post(EXPORT)
+    check_nothing_started(window, setups)
+    setups.held.go()
+    SaveDialog(window).close()
+    window.wait_usable()
+    assert window.boxes() == []
     assert window.program.close() == 0
 
 

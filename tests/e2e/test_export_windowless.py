@@ -255,7 +255,7 @@ def test_a_folder_of_the_targets_name_stays(exports):
 def test_a_path_that_is_too_long_is_told_and_nothing_is_made(exports):
     folder = exports.folder / ("y" * 240)
     folder.mkdir()
-    check_failed(exports.export(f"{folder.name}\\list.json"), "its path is too long (error 206)")
+    check_failed(exports.export(f"{folder.name}\\list.json"), "the name is too long (error 206)")
     assert list(folder.iterdir()) == []
     folder.rename(exports.folder / ("y" * 238))
     check_done(exports.export("y" * 238 + "\\list.json"))
@@ -263,7 +263,7 @@ def test_a_path_that_is_too_long_is_told_and_nothing_is_made(exports):
 
 def test_what_no_file_can_be_called_is_told(exports):
     for name in ("*.csv", "a?.json", "a|b.xls"):
-        check_failed(exports.export(name), "it can't be a file's name (error 123)")
+        check_failed(exports.export(name), "that is no file name (error 123)")
         assert exports.names() == []
 
 

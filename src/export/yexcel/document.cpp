@@ -61,8 +61,10 @@ bool Document::Save() {
   if (storage_ == nullptr) return succeeded(kNoFile);
   const std::string bytes = stream();
   StorageStatus status = 0;
-  const auto opened = storage_->open_stream(kStream, status);
-  return succeeded(status) && succeeded(opened->write(bytes.data(), bytes.size()));
+  auto opened = storage_->open_stream(kStream, status);
+  if (!succeeded(status) || !succeeded(opened->write(bytes.data(), bytes.size()))) return false;
+  opened.reset();
+  return succeeded(storage_->commit());
 }
 
 bool Document::succeeded(StorageStatus status) noexcept {

@@ -181,7 +181,7 @@ TEST_F(DocumentTest, AsksThePlatformInThisOrder) {
   EXPECT_EQ(storage.calls(),
             (std::vector<std::string>{"create C:\\a.xls", "create stream Workbook",
                                       "open stream Workbook", "write " + std::to_string(size),
-                                      "close stream Workbook", "close C:\\a.xls"}));
+                                      "close stream Workbook", "commit", "close C:\\a.xls"}));
 }
 
 TEST_F(DocumentTest, LeavesAFileWithExactlyOneStreamOnceItIsGone) {
@@ -249,6 +249,12 @@ TEST_F(DocumentTest, FailsAsEachOperationDoes) {
     const auto asked = static_cast<size_t>(failing.calls().rend() - last);
     EXPECT_EQ(asked, static_cast<size_t>(operation) + 1);
   }
+}
+
+TEST_F(DocumentTest, FailsWhereTheDiskIsFullWhenAllHasBeenTaken) {
+  storage.fail(Operation::commit, kFailure);
+  EXPECT_FALSE(document->SaveAs(kPath));
+  EXPECT_EQ(document->status(), kFailure);
 }
 
 TEST_F(DocumentTest, TakesOnlyANegativeStatusForAFailure) {
