@@ -89,11 +89,14 @@ OwnedFile console_stream() {
 
 /// Asked of the system, as in some code pages a character's second byte is that of a backslash.
 String folder_of(const String& file_name) {
-  char path[MAX_PATH] = "";
+  // More than any path that a file can be opened by; not every system bears to be asked for less.
+  char path[1024] = "";
   char* name = nullptr;
-  const DWORD length = GetFullPathNameA(file_name.c_str(), MAX_PATH, path, &name);
-  if (length == 0) throw LWE(ERROR_INVALID_NAME);
-  if (length >= MAX_PATH) throw LWE(ERROR_FILENAME_EXCED_RANGE);
+  // For the failures that come without a code.
+  SetLastError(ERROR_INVALID_NAME);
+  const DWORD length = GetFullPathNameA(file_name.c_str(), sizeof path, path, &name);
+  if (length == 0) throw LWE();
+  if (length >= sizeof path) throw LWE(ERROR_FILENAME_EXCED_RANGE);
   if (name != nullptr) *name = '\0';
   return path;
 }
@@ -195,7 +198,7 @@ uint32_t rename_file(const char* old_name, const char* new_name) noexcept {
 }
 
 String create_temporary_file(const String& neighbour) {
-  const std::string folder = folder_of(neighbour);
+  const String folder = folder_of(neighbour);
   // The system's own limit, which not every system looks at before it fills the name's room.
   constexpr size_t kLongestFolder = MAX_PATH - 14;
   if (folder.length() > kLongestFolder) throw LWE(ERROR_FILENAME_EXCED_RANGE);

@@ -113,7 +113,7 @@ TEST(CreateTemporaryFile, InAFolderWhosePathIsTooLongMakesNothing) {
   const TempFolder folder;
   std::string path = folder.path("");
   while (path.size() < 300) {
-    path += ".\\";
+    path += "xxxxxxx\\";
     if (path.size() <= 246) continue;
     try {
       ORLO::create_temporary_file(path + "list.csv");

@@ -249,8 +249,11 @@ TEST_F(WindowlessExport, ReplacesWhatIsThere) {
 }
 
 TEST_F(WindowlessExport, WithoutAFolderTellsSo) {
-  EXPECT_EQ(run_to("none/list.csv"),
-            "can't write " + folder.path("none/list.csv") + ": there is no such folder (error 2)");
+  const std::string told = run_to("none/list.csv");
+  // With one of several codes.
+  EXPECT_TRUE(told.starts_with("can't write " + folder.path("none/list.csv") +
+                               ": there is no such folder (error "))
+      << told;
   EXPECT_EQ(files(), Names{});
 }
 
