@@ -21,6 +21,7 @@
 #include "platform/icons.h"
 #include "platform/memory_registry.h"
 #include "platform/memory_shell.h"
+#include "platform/memory_storage.h"
 #include "platform/resource_ids.h"
 #include "view/list_icons.h"
 #include "view/list_model.h"
@@ -155,6 +156,7 @@ void choose_rows(const IconFiles& files, IconExtractor& extractor, Files& system
     registry.set_text(key, "DisplayIcon", std::u16string(path.begin(), path.end()));
   }
   MemoryShell shell;
+  MemoryStorage storage;
   MemorySystem nothing;
   const Resources resources(GetModuleHandleA(nullptr), 2057);
   UninstallPara para;
@@ -166,7 +168,8 @@ void choose_rows(const IconFiles& files, IconExtractor& extractor, Files& system
             DialogServices{{registry, system, ORLO::system_clock(), nothing.installer, nothing.wmi,
                             nothing.accounts, nothing.version, false, [] {}},
                            shell,
-                           extractor});
+                           extractor,
+                           storage});
       });
   const HWND list = GetDlgItem(dialog, IDC_LIST);
   int row = 0;

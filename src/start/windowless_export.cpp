@@ -31,15 +31,15 @@ struct CodeText {
 };
 
 constexpr CodeText kCodeTexts[] = {
-    {2, "there is no such folder"}, {3, "there is no such folder"},
-    {5, "access is denied"},        {14, "out of memory"},
-    {15, "there is no such drive"}, {19, "the disk is write-protected"},
-    {21, "the drive isn't ready"},  {32, "another program has it open"},
-    {39, "the disk is full"},       {53, "the server can't be reached"},
-    {64, "the server is gone"},     {67, "the server has no such share"},
-    {109, "the reader is gone"},    {112, "the disk is full"},
-    {123, "that is no file name"},  {206, "the name is too long"},
-    {232, "the reader is gone"},    {233, "the reader is gone"},
+    {2, "there is no such folder"},   {3, "there is no such folder"},
+    {5, "access is denied"},          {14, "out of memory"},
+    {15, "there is no such drive"},   {19, "the disk is write-protected"},
+    {21, "the drive isn't ready"},    {32, "another program has it open"},
+    {39, "the disk is full"},         {53, "the server can't be reached"},
+    {64, "the server is gone"},       {67, "the server has no such share"},
+    {109, "the reader is gone"},      {112, "the disk is full"},
+    {123, "that is no file name"},    {206, "the name is too long"},
+    {232, "the reader is gone"},      {233, "the reader is gone"},
     {267, "there is no such folder"},
 };
 

@@ -230,7 +230,7 @@ TEST_F(WorksheetTest, EntersNarrowAndWideTextsAsTheyAre) {
 }
 
 TEST_F(WorksheetTest, TellsTextsBeyondTheFirst65536) {
-  for (size_t i = 0; i < 257 * 256; ++i)
+  for (size_t i = 0; i < size_t{257} * 256; ++i)
     cell(i / 256, i % 256).SetText(String::formatted("%d", static_cast<int>(i)));
   EXPECT_EQ(number32(bodies(253).back(), 6), 257u * 256 - 1);
 }
