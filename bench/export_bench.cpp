@@ -88,14 +88,15 @@ void BM_WriteCsv(benchmark::State& state) {
   for (auto _ : state)
     writeCsv(sheet, file.path());
 }
-BENCHMARK(BM_WriteCsv)->Unit(benchmark::kMillisecond);
+// By the clock, as most of both is the writing.
+BENCHMARK(BM_WriteCsv)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 void BM_CsvBytes(benchmark::State& state) {
   const TargetFile file("zolvane-csv-floor.csv");
   writeCsv(make_sheet(), file.path());
   copy_bytes(state, file.content(), file.path());
 }
-BENCHMARK(BM_CsvBytes)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_CsvBytes)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 void BM_WriteJsonLines(benchmark::State& state) {
   const std::vector<UninstallEntry> entries = make_entries();

@@ -34,7 +34,7 @@ HOST = (
     ("keystroke, 200 of 10,000 match", "BM_SearchKeystroke/0", "BM_SearchKeystrokeFloor/0", 1.0),
     ("keystroke, none of 10,000 matches", "BM_SearchKeystroke/1", "BM_SearchKeystrokeFloor/1", 1.0),
     ("keystroke, all of 10,000 match", "BM_SearchKeystroke/2", "BM_SearchKeystrokeFloor/2", 1.0),
-    ("CSV: 10,000 packages", "BM_WriteCsv", "BM_CsvBytes", 1.5),
+    ("CSV: 10,000 packages", "BM_WriteCsv/real_time", "BM_CsvBytes/real_time", 1.5),
     ("JSON lines: 10,000 packages", "BM_WriteJsonLines", "BM_JsonBytes", 2.0),
     ("10,000 entries into the model", "BM_FirstFill", None, None),
     ("workbook of 10,000 by 29 cells, to a file", "BM_WriteWorkbook", "BM_WorkbookFloor", 1.5),
@@ -87,12 +87,15 @@ WORKBOOK_FILE = (
     ("workbook from CSV, whole process", "zolvane", "LibreOffice", None),
 )
 
+BY_CLOCK = "/real_time"
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
 
 
 def host_medians(path):
-    """Nanoseconds of each benchmark, the median of its repetitions."""
-    return {run["run_name"]: run["cpu_time"] * NANOSECONDS[run["time_unit"]]
+    """Nanoseconds of each benchmark, the median of its repetitions: by the clock where the benchmark
+    asks for that, else of processor time."""
+    return {run["run_name"]: run["real_time" if run["run_name"].endswith(BY_CLOCK) else "cpu_time"]
+            * NANOSECONDS[run["time_unit"]]
             for run in json.loads(path.read_text())["benchmarks"]
             if run.get("aggregate_name") == "median" and not run.get("error_occurred")}
 
