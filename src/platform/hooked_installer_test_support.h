@@ -25,6 +25,10 @@ class HookedInstaller final : public Installer {
     hook_();
     return behind_.feature_at(product, index, feature, parent);
   }
+  int32_t feature_state(const char* product, const char* feature) override {
+    hook_();
+    return behind_.feature_state(product, feature);
+  }
   std::optional<String> product_info(const char* product, const char* property) override {
     hook_();
     return behind_.product_info(product, property);

@@ -26,6 +26,13 @@ using InstallerName = char[kInstallerNameRoom];
 /// Room for a property's value, likewise.
 inline constexpr size_t kInstallerValueRoom = 1024;
 
+/// States of a feature (INSTALLSTATE). Failures are negative.
+inline constexpr int32_t kFeatureInvalidArgument = -2;
+inline constexpr int32_t kFeatureUnknown = -1;
+inline constexpr int32_t kFeatureAdvertised = 1;
+inline constexpr int32_t kFeatureAbsent = 2;
+inline constexpr int32_t kFeatureLocal = 3;
+
 /// Belongs to one thread at a time.
 class Installer {
  public:
@@ -41,6 +48,8 @@ class Installer {
   /// MsiEnumFeaturesA. Both names are empty where the system writes none.
   virtual InstallerStatus feature_at(const char* product, uint32_t index, InstallerName& feature,
                                      InstallerName& parent) = 0;
+  /// MsiQueryFeatureStateA: INSTALLSTATE; what is below kFeatureLocal isn't installed.
+  virtual int32_t feature_state(const char* product, const char* feature) = 0;
   /// MsiGetProductInfoA into a buffer of kInstallerValueRoom characters; none on failure and where
   /// the value doesn't fit.
   virtual std::optional<String> product_info(const char* product, const char* property) = 0;

@@ -124,7 +124,8 @@ TEST_F(OddInstaller, IsLookedUpWithTheFirstCallAndOnlyOnce) {
   const std::vector<std::string> asked = functions_.asked();
   EXPECT_EQ(asked,
             (std::vector<std::string>{"msi.dll MsiSetInternalUI", "msi.dll MsiEnumProductsA",
-                                      "msi.dll MsiEnumFeaturesA", "msi.dll MsiGetProductInfoA"}));
+                                      "msi.dll MsiEnumFeaturesA", "msi.dll MsiQueryFeatureStateA",
+                                      "msi.dll MsiGetProductInfoA"}));
   installer_->product_at(0, name_);
   installer_->product_info("p", "ProductName");
   EXPECT_EQ(functions_.asked(), asked);

@@ -20,12 +20,14 @@ struct MsiFunctions {
     find(functions, "MsiSetInternalUI", set_internal_ui);
     find(functions, "MsiEnumProductsA", enum_products);
     find(functions, "MsiEnumFeaturesA", enum_features);
+    find(functions, "MsiQueryFeatureStateA", query_feature_state);
     find(functions, "MsiGetProductInfoA", get_product_info);
   }
 
   decltype(&MsiSetInternalUI) set_internal_ui;
   decltype(&MsiEnumProductsA) enum_products;
   decltype(&MsiEnumFeaturesA) enum_features;
+  decltype(&MsiQueryFeatureStateA) query_feature_state;
   decltype(&MsiGetProductInfoA) get_product_info;
 
  private:
@@ -69,6 +71,11 @@ class SystemInstaller final : public Installer {
     terminate(feature);
     terminate(parent);
     return status;
+  }
+
+  int32_t feature_state(const char* product, const char* feature) override {
+    if (msi().query_feature_state == nullptr) return kFeatureUnknown;
+    return msi().query_feature_state(product, feature);
   }
 
   std::optional<String> product_info(const char* product, const char* property) override {

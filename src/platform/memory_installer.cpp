@@ -172,6 +172,16 @@ InstallerStatus MemoryInstaller::feature_at(const char* product_code, uint32_t i
   return fits ? kInstallerSuccess : kInstallerMoreData;
 }
 
+int32_t MemoryInstaller::feature_state(const char* product_code, const char* feature) {
+  enter("feature_state " + (product_code + (std::string(" ") + feature)));
+  const Product* const found = product(product_code);
+  if (found == nullptr) return kFeatureUnknown;
+  const auto is_it = [feature](const auto& known) { return known.first == feature; };
+  if (std::none_of(found->features.begin(), found->features.end(), is_it)) return kFeatureUnknown;
+  const auto state = found->states.find(feature);
+  return state != found->states.end() ? state->second : kFeatureLocal;
+}
+
 std::optional<String> MemoryInstaller::product_info(const char* product_code,
                                                     const char* property) {
   const std::string call = "product_info " + (product_code + (std::string(" ") + property));

@@ -19,6 +19,8 @@ class MemoryInstaller : public Installer {
     std::string code;
     std::map<std::string, std::string> properties;
     std::vector<std::pair<std::string, std::string>> features;  ///< each with its parent
+    /// Of features that aren't kFeatureLocal.
+    std::map<std::string, int32_t> states = {};
   };
 
   /// Adds a product after the others. The reference holds until the next one is added.
@@ -46,6 +48,7 @@ class MemoryInstaller : public Installer {
   InstallerStatus product_at(uint32_t index, InstallerName& code) override;
   InstallerStatus feature_at(const char* product, uint32_t index, InstallerName& feature,
                              InstallerName& parent) override;
+  int32_t feature_state(const char* product, const char* feature) override;
   std::optional<String> product_info(const char* product, const char* property) override;
 
  private:

@@ -8,10 +8,10 @@
 #include "orlo/raw_file.h"
 #include "platform/host_name.h"
 #include "platform/language.h"
+#include "platform/resources.h"
 #include "start/export_run.h"
 #include "start/program_version.h"
 #include "start/windowless_export.h"
-#include "view/resources.h"
 
 namespace {
 

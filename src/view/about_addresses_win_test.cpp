@@ -5,8 +5,8 @@
 
 #include "orlo/orlowin.h"
 #include "platform/resource_ids.h"
+#include "platform/resources.h"
 #include "view/addresses.h"
-#include "view/resources.h"
 
 namespace {
 

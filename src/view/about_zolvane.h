@@ -2,7 +2,7 @@
 #pragma once
 
 #include "orlo/about_dlg.h"
-#include "view/resources.h"
+#include "platform/resources.h"
 
 class AboutZolvaneController : public ORLO::AboutDlgController {
  public:

@@ -7,7 +7,7 @@
 
 #include "orlo/orlowin.h"
 #include "platform/resource_ids.h"
-#include "view/resources.h"
+#include "platform/resources.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include "orlo/dpi.h"
 #include "orlo/flat_button.h"
 #include "orlo/list_view.h"
+#include "platform/resources.h"
 #include "view/cell_painter.h"
-#include "view/resources.h"
 
 class LegendDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORLO::DlgController>> {
  public:

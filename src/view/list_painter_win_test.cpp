@@ -7,9 +7,9 @@
 #include <memory>
 
 #include "platform/resource_ids.h"
+#include "platform/resources.h"
 #include "view/entry_test_support.h"
 #include "view/recording_list_test_support.h"
-#include "view/resources.h"
 
 namespace {
 

@@ -12,6 +12,8 @@
 #include "orlo/flat_button.h"
 #include "orlo/wait_cursor.h"
 #include "orlo/window_handles.h"
+#include "orlo/window_icons.h"
+#include "platform/resources.h"
 #include "view/action_commands.h"
 #include "view/clicked_cell.h"
 #include "view/dialog_frame.h"
@@ -20,7 +22,6 @@
 #include "view/list_icons.h"
 #include "view/list_model.h"
 #include "view/list_painter.h"
-#include "view/resources.h"
 #include "view/sys_list.h"
 #include "view/uninstall_dlg_para.h"
 
@@ -43,7 +44,6 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
  private:
   using Base = ORLO::ResizeController<ORLO::OwnerDrawController<ORLO::DlgController>>;
 
-  void set_icons();
   void set_menu();
   void set_resize_rules();
   void add_columns();
@@ -142,8 +142,7 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   UninstallPara& run_;      ///< inside these
   const Resources& resources_;
   ORLO::OwnedAccelerators accelerators_;
-  ORLO::OwnedIcon big_icon_;
-  ORLO::OwnedIcon small_icon_;
+  const ORLO::WindowIcons window_icons_;
   ORLO::FlatButtonController refresh_button_;
   ORLO::FlatButtonController modify_button_;
   ORLO::FlatButtonController repair_button_;

@@ -70,12 +70,6 @@ constexpr unsigned kTypeTexts[] = {IDS_TYPE_NORMAL, IDS_TYPE_SUB_PACKAGES,
 // Fixed in both languages.
 constexpr const char* kGroupTexts[] = {"-", "Pakettyp", "Abh\xe4ngigkeiten"};
 
-HICON load_icon(HINSTANCE module, int width_metric, int height_metric) {
-  return static_cast<HICON>(LoadImageA(module, MAKEINTRESOURCEA(IDI_ZOLVANE), IMAGE_ICON,
-                                       GetSystemMetrics(width_metric),
-                                       GetSystemMetrics(height_metric), LR_DEFAULTCOLOR));
-}
-
 BOOL CALLBACK add_work_area(HMONITOR monitor, HDC, RECT*, LPARAM list) {
   auto& areas = *reinterpret_cast<std::vector<ScreenArea>*>(list);
   MONITORINFO info = {};
@@ -125,6 +119,7 @@ UninstallDlg::UninstallDlg(HWND window, std::unique_ptr<UninstallDlgPara> dialog
       run_(para_.run),
       resources_(resources),
       accelerators_(resources.accelerators(IDA_MAIN)),
+      window_icons_(window, resources.module(), IDI_ZOLVANE),
       refresh_button_(control(IDC_REFRESH), kButtonText, kActiveButtonText),
       modify_button_(control(IDC_MODIFY), kButtonText, kActiveButtonText),
       repair_button_(control(IDC_REPAIR), kButtonText, kActiveButtonText),
@@ -151,7 +146,6 @@ UninstallDlg::UninstallDlg(HWND window, std::unique_ptr<UninstallDlgPara> dialog
       icons_({window, list_.window(), model_, listLock, services.icons, services.reader.files, run_,
               services.reader.apply_thread_language},
              resources.module()) {
-  set_icons();
   set_menu();
   set_resize_rules();
   add_columns();
@@ -166,14 +160,6 @@ UninstallDlg::UninstallDlg(HWND window, std::unique_ptr<UninstallDlgPara> dialog
 
 UninstallDlg::~UninstallDlg() {
   shut_down();
-}
-
-void UninstallDlg::set_icons() {
-  const HINSTANCE module = resources_.module();
-  big_icon_.reset(load_icon(module, SM_CXICON, SM_CYICON));
-  small_icon_.reset(load_icon(module, SM_CXSMICON, SM_CYSMICON));
-  SendMessageA(_hwnd, WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(big_icon_.get()));
-  SendMessageA(_hwnd, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(small_icon_.get()));
 }
 
 void UninstallDlg::set_menu() {

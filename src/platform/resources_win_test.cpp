@@ -1,4 +1,4 @@
-#include "view/resources.h"
+#include "platform/resources.h"
 
 #include <gtest/gtest.h>
 
