@@ -1,0 +1,253 @@
+#include "platform/installer_database.h"
+
+#include <windows.h>
+
+#include <msiquery.h>
+
+#include <cstring>
+#include <optional>
+#include <vector>
+
+#include "orlo/owned_handle.h"
+#include "platform/system_installer.h"
+#include "platform/whole_characters.h"
+
+namespace {
+
+constexpr char kModule[] = "msi.dll";
+
+/// What a call that succeeds without giving a handle is taken for.
+constexpr InstallerStatus kNoHandle = ERROR_INVALID_HANDLE;
+
+/// Null where the system lacks one.
+struct MsiFunctions {
+  explicit MsiFunctions(ORLO::ModuleFunctions& functions) {
+    find(functions, "MsiOpenDatabaseA", open_database);
+    find(functions, "MsiDatabaseOpenViewA", open_view);
+    find(functions, "MsiViewExecute", execute);
+    find(functions, "MsiViewGetColumnInfo", column_info);
+    find(functions, "MsiViewFetch", fetch);
+    find(functions, "MsiRecordGetFieldCount", field_count);
+    find(functions, "MsiRecordGetStringA", text);
+    find(functions, "MsiRecordGetInteger", integer);
+    find(functions, "MsiCloseHandle", close);
+  }
+
+  decltype(&MsiOpenDatabaseA) open_database;
+  decltype(&MsiDatabaseOpenViewA) open_view;
+  decltype(&MsiViewExecute) execute;
+  decltype(&MsiViewGetColumnInfo) column_info;
+  decltype(&MsiViewFetch) fetch;
+  decltype(&MsiRecordGetFieldCount) field_count;
+  decltype(&MsiRecordGetStringA) text;
+  decltype(&MsiRecordGetInteger) integer;
+  decltype(&MsiCloseHandle) close;
+  bool complete = true;
+
+ private:
+  template <typename Type>
+  void find(ORLO::ModuleFunctions& functions, const char* name, Type& function) {
+    function = reinterpret_cast<Type>(functions.find(kModule, name));
+    complete = complete && function != nullptr;
+  }
+};
+
+/// A handle with the function that closes it.
+struct MsiHandle {
+  MSIHANDLE value = 0;
+  decltype(&MsiCloseHandle) close = nullptr;
+
+  bool operator==(const MsiHandle& other) const noexcept { return value == other.value; }
+};
+
+struct MsiHandleTraits {
+  using Handle = MsiHandle;
+  static Handle invalid() noexcept { return {}; }
+  static void close(Handle handle) noexcept { handle.close(handle.value); }
+};
+using OwnedMsiHandle = ORLO::OwnedHandle<MsiHandleTraits>;
+
+/// Calls `open` with the address of a handle. What a call that fails leaves there is no handle.
+template <typename Open>
+InstallerStatus open_handle(const MsiFunctions& msi, OwnedMsiHandle& handle, const Open& open) {
+  MSIHANDLE opened = 0;
+  const InstallerStatus status = open(&opened);
+  if (status != kInstallerSuccess) return status;
+  handle.reset({opened, msi.close});
+  return handle ? kInstallerSuccess : kNoHandle;
+}
+
+/// The bytes before the NUL, or all `room` of them.
+size_t text_length(const char* text, size_t room) {
+  const void* const end = std::memchr(text, '\0', room);
+  return end != nullptr ? static_cast<size_t>(static_cast<const char*>(end) - text) : room;
+}
+
+size_t system_length(unsigned char byte) noexcept {
+  return IsDBCSLeadByte(byte) != FALSE ? 2 : 1;
+}
+
+CharacterLength character_length() {
+  return GetACP() == CP_UTF8 ? utf8_length : system_length;
+}
+
+/// The buffer's bytes after the text are zero: nothing says that the system ends what it cuts off.
+InstallerStatus read_text(const MsiFunctions& msi, MSIHANDLE record, unsigned field, char* buffer,
+                          size_t room) {
+  if (room == 0) return kInstallerMoreData;
+  std::memset(buffer, 0, room);
+  auto length = static_cast<DWORD>(room);
+  const InstallerStatus status = msi.text(record, field, buffer, &length);
+  buffer[room - 1] = '\0';
+  if (status == kInstallerMoreData) {
+    const size_t fitting = text_length(buffer, room - 1);
+    buffer[whole_characters(buffer, fitting, character_length())] = '\0';
+  }
+  return status;
+}
+
+/// Which columns of a view are streams; asked for when it is first of interest.
+class StreamColumns {
+ public:
+  StreamColumns(const MsiFunctions& msi, MSIHANDLE view) : msi_(msi), view_(view) {}
+
+  bool contain(unsigned field) {
+    if (!known_) known_ = ask();
+    return field - 1 < known_->size() && (*known_)[field - 1];
+  }
+
+ private:
+  /// None where the system doesn't tell.
+  std::vector<bool> ask() const {
+    OwnedMsiHandle types;
+    open_handle(msi_, types, [this](MSIHANDLE* opened) {
+      return msi_.column_info(view_, MSICOLINFO_TYPES, opened);
+    });
+    if (!types) return {};
+    const unsigned count = msi_.field_count(types.get().value);
+    std::vector<bool> streams;
+    for (unsigned field = 1; field <= count && count != kNoCount; ++field)
+      streams.push_back(is_stream(types.get().value, field));
+    return streams;
+  }
+
+  bool is_stream(MSIHANDLE types, unsigned field) const {
+    char type[8];
+    read_text(msi_, types, field, type, sizeof type);
+    return type[0] == 'v' || type[0] == 'V';
+  }
+
+  static constexpr unsigned kNoCount = 0xFFFFFFFF;
+
+  const MsiFunctions& msi_;
+  const MSIHANDLE view_;
+  std::optional<std::vector<bool>> known_;
+};
+
+class SystemRecord final : public InstallerRecord {
+ public:
+  /// `streams` is null for a record that isn't a row.
+  SystemRecord(const MsiFunctions& msi, OwnedMsiHandle handle, StreamColumns* streams)
+      : msi_(msi), handle_(std::move(handle)), streams_(streams) {}
+
+  int field_count() override { return static_cast<int>(msi_.field_count(handle_.get().value)); }
+
+  InstallerStatus text(unsigned field, char* buffer, size_t room) override {
+    if (streams_ == nullptr || !streams_->contain(field))
+      return read_text(msi_, handle_.get().value, field, buffer, room);
+    if (room > 0) *buffer = '\0';
+    return kInstallerTypeMismatch;
+  }
+
+  int32_t integer(unsigned field) override { return msi_.integer(handle_.get().value, field); }
+
+ private:
+  const MsiFunctions& msi_;
+  const OwnedMsiHandle handle_;
+  StreamColumns* const streams_;
+};
+
+class SystemView final : public InstallerView {
+ public:
+  SystemView(const MsiFunctions& msi, OwnedMsiHandle handle)
+      : msi_(msi), handle_(std::move(handle)), streams_(msi, handle_.get().value) {}
+
+  InstallerStatus column_info(ColumnInfo kind, std::unique_ptr<InstallerRecord>& record) override {
+    const auto info = static_cast<MSICOLINFO>(kind);
+    return take(record, nullptr, [this, info](MSIHANDLE* opened) {
+      return msi_.column_info(handle_.get().value, info, opened);
+    });
+  }
+
+  InstallerStatus fetch(std::unique_ptr<InstallerRecord>& record) override {
+    return take(record, &streams_,
+                [this](MSIHANDLE* opened) { return msi_.fetch(handle_.get().value, opened); });
+  }
+
+ private:
+  template <typename Open>
+  InstallerStatus take(std::unique_ptr<InstallerRecord>& record, StreamColumns* streams,
+                       const Open& open) {
+    record.reset();
+    OwnedMsiHandle handle;
+    const InstallerStatus status = open_handle(msi_, handle, open);
+    if (handle) record = std::make_unique<SystemRecord>(msi_, std::move(handle), streams);
+    return status;
+  }
+
+  const MsiFunctions& msi_;
+  const OwnedMsiHandle handle_;
+  StreamColumns streams_;
+};
+
+class SystemDatabase final : public InstallerDatabase {
+ public:
+  SystemDatabase(const MsiFunctions& msi, OwnedMsiHandle handle)
+      : msi_(msi), handle_(std::move(handle)) {}
+
+  InstallerStatus open_view(const char* query, std::unique_ptr<InstallerView>& view) override {
+    view.reset();
+    OwnedMsiHandle handle;
+    InstallerStatus status = open_handle(msi_, handle, [this, query](MSIHANDLE* opened) {
+      return msi_.open_view(handle_.get().value, query, opened);
+    });
+    if (status == kInstallerSuccess) status = msi_.execute(handle.get().value, 0);
+    if (status == kInstallerSuccess) view = std::make_unique<SystemView>(msi_, std::move(handle));
+    return status;
+  }
+
+ private:
+  const MsiFunctions& msi_;
+  const OwnedMsiHandle handle_;
+};
+
+class SystemDatabases final : public InstallerDatabases {
+ public:
+  explicit SystemDatabases(ORLO::ModuleFunctions& functions) : functions_(functions) {}
+
+  InstallerStatus open(const char* path, std::unique_ptr<InstallerDatabase>& database) override {
+    database.reset();
+    if (!msi_) msi_.emplace(functions_);
+    if (!msi_->complete) return kInstallerOpenFailed;
+    OwnedMsiHandle handle;
+    const InstallerStatus status = open_handle(*msi_, handle, [this, path](MSIHANDLE* opened) {
+      return msi_->open_database(path, MSIDBOPEN_READONLY, opened);
+    });
+    if (handle) database = std::make_unique<SystemDatabase>(*msi_, std::move(handle));
+    return status;
+  }
+
+ private:
+  ORLO::ModuleFunctions& functions_;
+  std::optional<MsiFunctions> msi_;
+};
+
+}  // namespace
+
+std::unique_ptr<InstallerDatabases> make_installer_databases(ORLO::ModuleFunctions& functions) {
+  return std::make_unique<SystemDatabases>(functions);
+}
+
+std::unique_ptr<InstallerDatabases> make_system_installer_databases() {
+  return make_installer_databases(ORLO::system_functions());
+}
