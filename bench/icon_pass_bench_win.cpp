@@ -21,6 +21,7 @@
 #include "platform/icons.h"
 #include "platform/memory_registry.h"
 #include "platform/memory_shell.h"
+#include "platform/memory_installer_database.h"
 #include "platform/memory_storage.h"
 #include "platform/resource_ids.h"
 #include "view/list_icons.h"
@@ -157,6 +158,7 @@ void choose_rows(const IconFiles& files, IconExtractor& extractor, Files& system
   }
   MemoryShell shell;
   MemoryStorage storage;
+  MemoryInstallerDatabases databases;
   MemorySystem nothing;
   const Resources resources(GetModuleHandleA(nullptr), 2057);
   UninstallPara para;
@@ -169,7 +171,8 @@ void choose_rows(const IconFiles& files, IconExtractor& extractor, Files& system
                             nothing.accounts, nothing.version, false, [] {}},
                            shell,
                            extractor,
-                           storage});
+                           storage,
+                           {nothing.installer, databases}});
       });
   const HWND list = GetDlgItem(dialog, IDC_LIST);
   int row = 0;

@@ -10,6 +10,7 @@
 #include "platform/memory_icons.h"
 #include "platform/memory_registry.h"
 #include "platform/memory_shell.h"
+#include "platform/memory_installer_database.h"
 #include "platform/memory_storage.h"
 #include "platform/resource_ids.h"
 #include "view/uninstall_dlg.h"
@@ -39,14 +40,15 @@ void seed(MemoryRegistry& registry) {
 }
 
 HWND open_window(const Resources& resources, MemoryRegistry& registry, MemorySystem& system,
-                 MemoryShell& shell, MemoryIcons& icons, MemoryStorage& storage) {
+                 MemoryShell& shell, MemoryIcons& icons, MemoryStorage& storage,
+                 InstallerDatabases& databases) {
   UninstallPara para;
   para.noPersist = true;
   const HWND window = ORLO::Dialog::DoModeless(
       resources.module(), resources.dialog(IDD_MAIN), nullptr, [&](HWND made) {
         return std::make_unique<UninstallDlg>(
             made, std::make_unique<UninstallDlgPara>(para), resources,
-            DialogServices{system.over(registry, false), shell, icons, storage});
+            DialogServices{system.over(registry, false), shell, icons, storage, {system.installer, databases}});
       });
   SetWindowPos(window, nullptr, 0, 0, kWidth, kHeight, SWP_NOZORDER);
   return window;
@@ -88,9 +90,10 @@ int main() {
   MemoryShell shell;
   MemoryIcons icons;
   MemoryStorage storage;
+  MemoryInstallerDatabases databases;
   seed(registry);
   const Resources resources(GetModuleHandleA(nullptr), kEnglish);
-  Window window(open_window(resources, registry, system, shell, icons, storage));
+  Window window(open_window(resources, registry, system, shell, icons, storage, databases));
   if (!window.shows_all()) {
     std::printf("the window doesn't show %d rows\n", kRows);
     return 1;

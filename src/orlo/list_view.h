@@ -25,6 +25,10 @@ class ListView {
   int count() const { return static_cast<int>(send(LVM_GETITEMCOUNT)); }
   void remove(int row) const { send(LVM_DELETEITEM, static_cast<WPARAM>(row)); }
   void clear() const { send(LVM_DELETEALLITEMS); }
+  void remove_columns() const {
+    while (send(LVM_DELETECOLUMN, 0) != 0) {
+    }
+  }
   /// Switches the styles of `mask` on or off as `styles` says.
   void set_extended_style(DWORD mask, DWORD styles) const {
     send(LVM_SETEXTENDEDLISTVIEWSTYLE, mask, static_cast<LPARAM>(styles));

@@ -15,6 +15,23 @@ void center_window(HWND window);
 void shrink_to_work_area(HWND window);
 /// Gives the window another menu and destroys the one it had.
 void replace_menu(HWND window, OwnedMenu menu);
+/// Keeps a control from drawing itself, which then is drawn as a whole.
+class FrozenDrawing {
+ public:
+  explicit FrozenDrawing(HWND control) : control_(control) {
+    SendMessageA(control_, WM_SETREDRAW, FALSE, 0);
+  }
+  ~FrozenDrawing() {
+    SendMessageA(control_, WM_SETREDRAW, TRUE, 0);
+    InvalidateRect(control_, nullptr, TRUE);
+  }
+  FrozenDrawing(const FrozenDrawing&) = delete;
+  FrozenDrawing& operator=(const FrozenDrawing&) = delete;
+
+ private:
+  const HWND control_;
+};
+
 /// The text of a window of this process.
 String window_text(HWND window);
 

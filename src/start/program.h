@@ -1,6 +1,7 @@
 // What the process does behind its entry point.
 #pragma once
 
+#include "inspect/inspect_services.h"
 #include "orlo/clock.h"
 #include "orlo/orlowin.h"
 #include "platform/accounts.h"
@@ -23,6 +24,7 @@ struct ProgramServices {
   Wmi& wmi;
   Accounts& accounts;
   CompoundStorage& storage;
+  InspectServices inspection;
 };
 
 /// Runs from the marks of the process to the end of the main dialog: the process's exit code, 0

@@ -43,10 +43,10 @@ String local_data_folder() {
   return found ? String(path) : String();
 }
 
-void init_list_views() {
+void init_common_controls() {
   INITCOMMONCONTROLSEX classes = {};
   classes.dwSize = sizeof classes;
-  classes.dwICC = ICC_LISTVIEW_CLASSES;
+  classes.dwICC = ICC_LISTVIEW_CLASSES | ICC_TREEVIEW_CLASSES;
   InitCommonControlsEx(&classes);
 }
 
@@ -59,7 +59,7 @@ int show_main_dialog(HINSTANCE instance, const UninstallPara& para,
                      const ProgramServices& program) {
   const Resources resources(instance, static_cast<uint16_t>(ui_locale_id()));
   const DialogServices services{reader_services(program), program.shell, program.icons,
-                                program.storage};
+                                program.storage, program.inspection};
   const INT_PTR result =
       ORLO::Dialog::DoModal(instance, resources.dialog(IDD_MAIN), nullptr, [&](HWND window) {
         return std::make_unique<UninstallDlg>(window, std::make_unique<UninstallDlgPara>(para),
@@ -85,7 +85,7 @@ int run(HINSTANCE instance, const Switches& switches, const ProgramServices& ser
   std::setlocale(LC_COLLATE, "");
   CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
   ORLO::install_exception_handling(true);
-  init_list_views();
+  init_common_controls();
   return show_main_dialog(instance, para, services);
 }
 

@@ -1,6 +1,7 @@
 // What the main dialog stands on.
 #pragma once
 
+#include "inspect/inspect_services.h"
 #include "inventory/reader.h"
 #include "platform/compound_storage.h"
 #include "platform/icons.h"
@@ -12,4 +13,5 @@ struct DialogServices {
   Shell& shell;
   IconExtractor& icons;
   CompoundStorage& storage;
+  InspectServices inspection;
 };

@@ -21,8 +21,7 @@
 namespace {
 
 // Commands whose work isn't there yet. They say so.
-constexpr unsigned kPendingCommands[] = {ID_CHECK_VERSION, ID_SHOW_PAD, ID_PATCHES, ID_FEATURES,
-                                         ID_MSI_CONTENT};
+constexpr unsigned kPendingCommands[] = {ID_CHECK_VERSION, ID_SHOW_PAD};
 
 int selection_of(HWND combo) {
   return static_cast<int>(SendMessageA(combo, CB_GETCURSEL, 0, 0));
@@ -196,7 +195,9 @@ ExportFilter UninstallDlg::export_filter() const {
 
 bool UninstallDlg::start_action(unsigned command) {
   const CommandContext at = context();
-  if (!ActionCommands::is_package_action(command)) return !ending() && actions_.run(command, at);
+  const bool waits =
+      ActionCommands::is_package_action(command) || InspectCommands::is_inspection(command);
+  if (!waits) return !ending() && actions_.run(command, at);
   if (at.current != nullptr) postponed_action_ = {command, *at.current};
   if (!cycle_.refreshing()) run_postponed_action();
   return true;
@@ -205,7 +206,8 @@ bool UninstallDlg::start_action(unsigned command) {
 void UninstallDlg::run_postponed_action() {
   if (!postponed_action_ || cycle_.refreshing()) return;
   const PostponedAction action = *std::exchange(postponed_action_, std::nullopt);
-  if (!ending()) actions_.run(action.command, {&action.entry});
+  if (ending() || inspection_.run(action.command, action.entry)) return;
+  actions_.run(action.command, {&action.entry});
 }
 
 void UninstallDlg::run_postponed() {

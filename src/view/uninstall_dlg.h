@@ -18,6 +18,7 @@
 #include "view/clicked_cell.h"
 #include "view/dialog_frame.h"
 #include "view/dialog_services.h"
+#include "view/inspect_commands.h"
 #include "view/list_controller.h"
 #include "view/list_icons.h"
 #include "view/list_model.h"
@@ -66,8 +67,9 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   /// As a package action it waits for the end of a refresh: its dialog would keep that from handing
   /// over what it has read.
   void export_list();
-  /// False if the command isn't one of the package actions and tools. An action waits for the end
-  /// of a refresh that is running, which else would have to wait for the installer.
+  /// False if the command isn't one of the package actions, tools and inspections. An action and an
+  /// inspection wait for the end of a refresh that is running, which else would have to wait for
+  /// the installer, or for the end of the dialog.
   bool start_action(unsigned command);
   void run_postponed_action();
   void run_postponed();
@@ -177,5 +179,6 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   DialogFrame frame_;
   ActionCommands actions_;
   ListExport export_;
+  InspectCommands inspection_;
   ListIcons icons_;
 };

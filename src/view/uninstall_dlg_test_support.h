@@ -18,6 +18,7 @@
 #include "platform/icons.h"
 #include "platform/memory_registry.h"
 #include "platform/memory_shell.h"
+#include "platform/memory_installer_database.h"
 #include "platform/memory_storage.h"
 #include "platform/resource_ids.h"
 #include "view/later_script_test_support.h"
@@ -137,7 +138,7 @@ class UninstallDlgTest : public testing::Test {
           list = GetDlgItem(made, IDC_LIST);
           return std::make_unique<UninstallDlg>(
               made, std::make_unique<UninstallDlgPara>(para), resources,
-              DialogServices{reader_services(), shell, icons, storage});
+              DialogServices{reader_services(), shell, icons, storage, {inspected_installer, databases}});
         });
   }
 
@@ -200,6 +201,8 @@ class UninstallDlgTest : public testing::Test {
   MemoryFiles& files = system.files;
   MemoryShell shell;
   MemoryStorage storage;
+  MemoryInstaller inspected_installer;
+  MemoryInstallerDatabases databases;
   GatedIcons icons;
   HWND window = nullptr;
   HWND list = nullptr;

@@ -143,6 +143,8 @@ UninstallDlg::UninstallDlg(HWND window, std::unique_ptr<UninstallDlgPara> dialog
                *this,
                [this](const ORLO::SaveFileDialog& dialog) { return frame_.ask_file_name(dialog); },
                [&resources](unsigned id) { return resources.text(id); }}),
+      inspection_({resources, frame_, services.inspection, services.reader.registry,
+                   services.reader.clock}),
       icons_({window, list_.window(), model_, listLock, services.icons, services.reader.files, run_,
               services.reader.apply_thread_language},
              resources.module()) {

@@ -145,6 +145,9 @@ class HeldInstaller : public Installer {
                              InstallerName& parent) override {
     return behind_.feature_at(product, index, feature, parent);
   }
+  int32_t feature_state(const char* product, const char* feature) override {
+    return behind_.feature_state(product, feature);
+  }
   std::optional<String> product_info(const char* product, const char* property) override {
     return behind_.product_info(product, property);
   }
@@ -238,7 +241,9 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR command_line, int) {
   HeldWmi held_wmi(*wmi, points);
   const auto accounts = make_system_accounts();
   const auto storage = make_system_storage();
+  const auto inspected_installer = make_system_installer();
+  const auto databases = make_system_installer_databases();
   return run_program(instance, command_line,
                      {held_registry, *files, clock, *shell, held_icons, held_installer, held_wmi,
-                      *accounts, *storage});
+                      *accounts, *storage, {*inspected_installer, *databases}});
 }

@@ -1,0 +1,74 @@
+#include "view/inspect_commands.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "inspect/feature_dlg.h"
+#include "inspect/msi_content_dlg.h"
+#include "inspect/patch_dlg.h"
+#include "platform/resource_ids.h"
+
+struct InspectCommands::Command {
+  unsigned id;
+  unsigned dialog;
+  bool (*has_it)(const UninstallEntry& entry);
+  Opening open;
+};
+
+const InspectCommands::Command* InspectCommands::find(unsigned command) noexcept {
+  static constexpr Command kCommands[] = {
+      {ID_FEATURES, IDD_FEATURES, [](const UninstallEntry& entry) { return entry.MSI; },
+       &InspectCommands::features},
+      {ID_PATCHES, IDD_PATCHES, [](const UninstallEntry& entry) { return entry.patches != 0; },
+       &InspectCommands::patches},
+      {ID_MSI_CONTENT, IDD_MSI_CONTENT,
+       [](const UninstallEntry& entry) { return entry.MSI && !entry.packagePath.empty(); },
+       &InspectCommands::content},
+  };
+  const auto* const end = std::end(kCommands);
+  const auto* const found = std::find_if(std::begin(kCommands), end,
+                                         [command](const auto& row) { return row.id == command; });
+  return found != end ? found : nullptr;
+}
+
+bool InspectCommands::is_inspection(unsigned command) noexcept {
+  return find(command) != nullptr;
+}
+
+bool InspectCommands::run(unsigned command, const UninstallEntry& entry) const {
+  const Command* const found = find(command);
+  if (found == nullptr) return false;
+  if (!found->has_it(entry)) return true;
+  const Resources& resources = parts_.resources;
+  parts_.frame.show([&] {
+    ORLO::Dialog::DoModal(resources.module(), resources.dialog(found->dialog),
+                          static_cast<HWND>(parts_.frame.owner()), [&](HWND window) {
+                            auto dialog = (this->*found->open)(window, entry);
+                            // An end that has been asked for meanwhile, while a failure was being
+                            // reported, has found no dialog to close yet.
+                            if (parts_.frame.closing()) dialog.reset();
+                            return dialog;
+                          });
+  });
+  return true;
+}
+
+std::unique_ptr<ORLO::DlgController> InspectCommands::features(HWND window,
+                                                               const UninstallEntry& entry) const {
+  return std::make_unique<FeatureDlg>(window, parts_.resources, entry, parts_.services.installer,
+                                      parts_.registry);
+}
+
+std::unique_ptr<ORLO::DlgController> InspectCommands::patches(HWND window,
+                                                              const UninstallEntry& entry) const {
+  const PatchServices services{
+      parts_.services.installer, parts_.registry, parts_.clock,
+      [&resources = parts_.resources](unsigned id) { return resources.text(id); }};
+  return std::make_unique<PatchDlg>(window, parts_.resources, entry, services);
+}
+
+std::unique_ptr<ORLO::DlgController> InspectCommands::content(HWND window,
+                                                              const UninstallEntry& entry) const {
+  return std::make_unique<MSIContentDlg>(window, parts_.resources, entry,
+                                         parts_.services.databases);
+}
