@@ -142,7 +142,8 @@ TEST_F(FeatureTree, TakesAnEmptyParentForNone) {
 TEST_F(FeatureTree, MayBeSixteenLevelsDeep) {
   Features features;
   for (char level = 'A'; level < 'A' + 16; ++level)
-    features.emplace_back(std::string(1, level), level == 'A' ? "" : std::string(1, level - 1));
+    features.emplace_back(std::string(1, level),
+                          level == 'A' ? "" : std::string(1, static_cast<char>(level - 1)));
   std::reverse(features.begin(), features.end());
   install(features);
   const std::vector<FeatureNode> nodes = read();
