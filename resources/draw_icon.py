@@ -18,6 +18,7 @@ TAPE = (0xFB, 0xF0, 0xD8)
 RIM = (0xFF, 0xFF, 0xFF)
 BADGE = (0x17, 0x7E, 0x63)
 TICK = (0xFF, 0xFF, 0xFF)
+MAGENTA = (0xFF, 0x00, 0xFF)
 
 
 class Polygon:
@@ -284,8 +285,8 @@ def bitmap_file(rows, width, bits, palette):
 
 
 def color_bitmap(drawing):
-    """Black where it is see-through, as drawing by a mask wants it."""
-    rows = [b"".join(bytes(reversed(INKS.get(ink, (0, 0, 0)))) for ink in line) for line in drawing]
+    """Magenta where it is see-through: what has no mask at hand knows it by that."""
+    rows = [b"".join(bytes(reversed(INKS.get(ink, MAGENTA))) for ink in line) for line in drawing]
     return bitmap_file(rows, len(drawing[0]), 24, b"")
 
 

@@ -4,6 +4,7 @@
 #include "orlo/file_test_support.h"
 #include "orlo/orlowin.h"
 #include "platform/icons_test_support.h"
+#include "platform/surface_win_test_support.h"
 #include "platform/system_icon.h"
 #include "platform/system_image_list.h"
 
@@ -12,41 +13,6 @@ namespace {
 // Of the program's resources.
 constexpr unsigned kPackages = 119;
 constexpr unsigned kPackagesMask = 120;
-
-using OwnedDc = ORLO::OwnedHandle<ORLO::NullableHandleTraits<HDC, &DeleteDC>>;
-
-/// 32 by 32 pixels to draw on.
-class Surface {
- public:
-  static constexpr int kSize = 32;
-
-  explicit Surface(COLORREF background) : dc_(CreateCompatibleDC(nullptr)) {
-    BITMAPINFO info{};
-    info.bmiHeader = {sizeof info.bmiHeader, kSize, -kSize, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-    void* bits = nullptr;
-    bitmap_.reset(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
-    former_ = SelectObject(dc_.get(), bitmap_.get());
-    for (int y = 0; y < kSize; ++y) {
-      for (int x = 0; x < kSize; ++x)
-        SetPixel(dc_.get(), x, y, background);
-    }
-  }
-  ~Surface() { SelectObject(dc_.get(), former_); }
-  Surface(const Surface&) = delete;
-  Surface& operator=(const Surface&) = delete;
-
-  HDC dc() const { return dc_.get(); }
-  /// 0xRRGGBB.
-  uint32_t pixel(int x, int y) const {
-    const COLORREF color = GetPixel(dc_.get(), x, y);
-    return static_cast<uint32_t>(GetRValue(color) << 16 | GetGValue(color) << 8 | GetBValue(color));
-  }
-
- private:
-  const OwnedDc dc_;
-  ORLO::OwnedBitmap bitmap_;
-  HGDIOBJ former_ = nullptr;
-};
 
 HIMAGELIST handle_of(const ImageList& list) {
   return dynamic_cast<const SystemImageList&>(list).handle();
@@ -128,6 +94,8 @@ TEST(SystemIcons, SurvivesFilesWithAccidents) {
 }
 
 namespace {
+
+using namespace std::string_literals;
 
 class SystemImageListTest : public testing::Test {
  protected:
@@ -255,6 +223,10 @@ TEST_F(SystemImageListTest, ShowsTheParcelWithHardEdgesOnAnyBackground) {
       EXPECT_EQ(surface.pixel(pixel.x, pixel.y), pixel.color != 0 ? pixel.color : behind);
     }
   }
+}
+
+TEST_F(SystemImageListTest, WritesNothingOfTheMagentaUnderTheMask) {
+  EXPECT_EQ(written(0).find("\xFF\0\xFF"s), std::string::npos);
 }
 
 TEST_F(SystemImageListTest, WithoutItsPictureIsEmptyAndRefusesAll) {

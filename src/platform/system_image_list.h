@@ -45,3 +45,7 @@ class SystemImageLists final : public ImageLists {
   const unsigned bitmap_;
   const unsigned mask_;
 };
+
+/// All images of a bitmap in `module`'s resources, which holds them side by side, 16 pixels wide,
+/// on magenta; `side` pixels wide and high in the list, with hard edges. Null on failure.
+OwnedImageList load_marks(HINSTANCE module, unsigned bitmap, int side);

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "platform/drawn_images.h"
 #include "platform/image_list_bytes.h"
 #include "platform/system_icon.h"
 // This needs what orlowin.h brings.
@@ -10,8 +11,8 @@
 namespace {
 
 constexpr UINT kListFlags = ILC_COLOR32 | ILC_MASK;
-/// Side of the default image in the resources.
-constexpr int kDrawnSize = 16;
+/// What marks are drawn on.
+constexpr COLORREF kMagenta = RGB(0xFF, 0x00, 0xFF);
 
 struct StreamTraits {
   using Handle = IStream*;
@@ -20,7 +21,6 @@ struct StreamTraits {
 };
 using OwnedStream = ORLO::OwnedHandle<StreamTraits>;
 using OwnedBlock = ORLO::OwnedHandle<ORLO::NullableHandleTraits<HGLOBAL, &GlobalFree>>;
-using OwnedDc = ORLO::OwnedHandle<ORLO::NullableHandleTraits<HDC, &DeleteDC>>;
 
 /// A memory block's bytes for a scope; null if they can't be had.
 class LockedBlock {
@@ -82,50 +82,6 @@ bool icon_size(HIMAGELIST list, SIZE& size) noexcept {
   return true;
 }
 
-/// A picture selected into a device context of its own.
-class Canvas {
- public:
-  explicit Canvas(HBITMAP bitmap) noexcept
-      : dc_(CreateCompatibleDC(nullptr)), former_(SelectObject(dc_.get(), bitmap)) {}
-  ~Canvas() { SelectObject(dc_.get(), former_); }
-  Canvas(const Canvas&) = delete;
-  Canvas& operator=(const Canvas&) = delete;
-  HDC dc() const noexcept { return dc_.get(); }
-
- private:
-  const OwnedDc dc_;
-  const HGDIOBJ former_;
-};
-
-ORLO::OwnedBitmap load_bitmap(HINSTANCE module, unsigned id) noexcept {
-  return ORLO::OwnedBitmap(static_cast<HBITMAP>(
-      LoadImageA(module, MAKEINTRESOURCEA(id), IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION)));
-}
-
-/// 24 bits to a pixel leave no room for an alpha channel: the mask alone decides. A mask is of 1.
-ORLO::OwnedBitmap make_bitmap(const SIZE& size, bool mask) noexcept {
-  if (mask) return ORLO::OwnedBitmap(CreateBitmap(size.cx, size.cy, 1, 1, nullptr));
-  BITMAPINFO info{};
-  info.bmiHeader = {sizeof info.bmiHeader, size.cx, size.cy, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
-  void* bits = nullptr;
-  return ORLO::OwnedBitmap(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
-}
-
-/// The leftmost image of a resource at the given size, with edges as hard as they were drawn.
-ORLO::OwnedBitmap load_image(HINSTANCE module, unsigned id, const SIZE& size, bool mask) noexcept {
-  const ORLO::OwnedBitmap drawn = load_bitmap(module, id);
-  ORLO::OwnedBitmap image = make_bitmap(size, mask);
-  if (!drawn || !image) return ORLO::OwnedBitmap();
-  const Canvas source(drawn.get());
-  const Canvas target(image.get());
-  SetStretchBltMode(target.dc(), COLORONCOLOR);
-  if (!StretchBlt(target.dc(), 0, 0, size.cx, size.cy, source.dc(), 0, 0, kDrawnSize, kDrawnSize,
-                  SRCCOPY)) {
-    return ORLO::OwnedBitmap();
-  }
-  return image;
-}
-
 }  // namespace
 
 int SystemImageList::append(const Icon& icon) {
@@ -146,9 +102,10 @@ ImageList::Written SystemImageList::write(std::string& bytes) const {
 
 bool SystemImageLists::add_default(HIMAGELIST list) const {
   const SIZE size = small_icon_size();
-  const ORLO::OwnedBitmap image = load_image(module_, bitmap_, size, false);
-  const ORLO::OwnedBitmap mask = load_image(module_, mask_, size, true);
-  return image && mask && ImageList_Add(list, image.get(), mask.get()) == 0;
+  const ORLO::OwnedBitmap image = load_drawn_images(module_, bitmap_, 1, size, false);
+  const ORLO::OwnedBitmap mask = load_drawn_images(module_, mask_, 1, size, true);
+  if (!image || !mask || !blacken_see_through(image.get(), mask.get(), size)) return false;
+  return ImageList_Add(list, image.get(), mask.get()) == 0;
 }
 
 std::unique_ptr<ImageList> SystemImageLists::fresh() {
@@ -175,4 +132,16 @@ std::unique_ptr<ImageList> SystemImageLists::read(const std::string& bytes, bool
   if (other_size) return nullptr;
   ImageList_SetBkColor(list.get(), CLR_NONE);
   return std::make_unique<SystemImageList>(std::move(list));
+}
+
+OwnedImageList load_marks(HINSTANCE module, unsigned bitmap, int side) {
+  const int count = side > 0 ? count_drawn_images(module, bitmap) : 0;
+  if (count == 0) return OwnedImageList();
+  const ORLO::OwnedBitmap images = load_drawn_images(module, bitmap, count, {side, side}, false);
+  OwnedImageList list(ImageList_Create(side, side, kListFlags, count, 1));
+  if (!images || !list || ImageList_AddMasked(list.get(), images.get(), kMagenta) != 0) {
+    return OwnedImageList();
+  }
+  ImageList_SetBkColor(list.get(), CLR_NONE);
+  return list;
 }
