@@ -7,7 +7,6 @@
 #include <unordered_set>
 
 #include "orlo/exception.h"
-#include "orlo/format.h"
 
 namespace {
 
@@ -19,15 +18,6 @@ constexpr const char* kSystemTables[] = {"_Tables", "_Columns", "_Streams", "_St
 
 void check(InstallerStatus status) {
   if (status != kInstallerSuccess) throw ORLO::SDKException(status);
-}
-
-/// Whether the name can stand in back ticks in a query.
-bool quotable(const String& name) {
-  for (const char* at = name.c_str(); *at != '\0'; ++at) {
-    if (*at == '`') return false;
-    if (ORLO::is_lead_byte(static_cast<unsigned char>(*at)) && at[1] != '\0') ++at;
-  }
-  return true;
 }
 
 template <size_t room>
@@ -85,7 +75,7 @@ class TextPool {
 std::vector<const Column*> asked_columns(const Table& table) {
   std::vector<const Column*> asked;
   for (const auto& [name, column] : table.columns) {
-    if (!column.isKey && !name.empty() && quotable(name)) asked.push_back(&column);
+    if (!column.isKey && !name.empty() && can_be_asked_for(name)) asked.push_back(&column);
   }
   return asked;
 }
@@ -131,7 +121,7 @@ void DatabaseReader::read_names(DatabaseContent::Schemas& schemas) {
 }
 
 void DatabaseReader::read_columns(const String& name, Table& schema) {
-  if (!quotable(name)) return;
+  if (!can_be_asked_for(name)) return;
   const ORLO::ExceptionContext context("reading the columns of a table", name);
   const auto all = view(String::formatted("select * from `%s`", name));
   std::unique_ptr<InstallerRecord> names;
@@ -207,6 +197,15 @@ void DatabaseContent::load(InstallerDatabases& databases, const String& path) {
     const auto& table = tables_[name] = ORLO::RefPtr(new RefTable(schema));
     reader.read_rows(name, *table);
   }
+}
+
+bool can_be_asked_for(const String& name, ORLO::LeadByteTest lead_byte) {
+  for (const char* at = name.c_str(); *at != '\0'; ++at) {
+    if (*at == '`') return false;
+    // A back tick's code may be half of a character.
+    if (lead_byte(static_cast<unsigned char>(*at)) && at[1] != '\0') ++at;
+  }
+  return true;
 }
 
 std::vector<ShownColumn> shown_columns(const Table& schema) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "inspect/ref_table.h"
+#include "orlo/format.h"
 #include "platform/installer_database.h"
 
 /// The key of each row: its number, from 1.
@@ -22,10 +23,11 @@ class DatabaseContent {
   using Schemas = std::map<String, Table, ORLO::ByteOrder>;
   using Tables = std::map<String, ORLO::RefPtr<RefTable>, ORLO::ByteOrder>;
 
-  /// Reads everything, once. Throws SDKException or LWE; what was read until then stays.
+  /// Reads everything, once. Throws SDKException or LWE; what was read until then stays, the rows
+  /// of the table in hand too.
   void load(InstallerDatabases& databases, const String& path);
 
-  /// The columns of each table; without rows.
+  /// The columns of each table; without rows. A table that can't be asked for has none.
   const Schemas& schemas() const noexcept { return schemas_; }
   /// Rows stand in the order of their numbers as texts: 1, 10, 11, 2. Less than schemas() if
   /// load() has failed.
@@ -35,6 +37,9 @@ class DatabaseContent {
   Schemas schemas_;
   Tables tables_;
 };
+
+/// Whether a query can speak of a table or a column of this name: back ticks stand around it there.
+bool can_be_asked_for(const String& name, ORLO::LeadByteTest lead_byte = ORLO::is_lead_byte);
 
 /// The columns that have a name and are no key, in the order of the database.
 std::vector<ShownColumn> shown_columns(const Table& schema);

@@ -1,140 +1,175 @@
-// A package's database whose answers a test decides, to the last one.
+// A package's database in memory and what is read from it, with each call to it in a log and any of
+// them failing on demand.
 #pragma once
 
-#include <cstring>
-#include <map>
-#include <optional>
+#include <gtest/gtest.h>
+
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "inspect/database_content.h"
+#include "orlo/exception.h"
+#include "orlo/raw_file.h"
+#include "platform/memory_installer_database.h"
 
-/// What one field answers.
-struct ScriptedField {
-  std::string text = {};
-  InstallerStatus status = kInstallerSuccess;
-  int32_t number = kInstallerNull;
-
-  static ScriptedField integer(int32_t number) { return {std::to_string(number), 0, number}; }
-};
-using ScriptedFields = std::vector<ScriptedField>;
-
-/// What one query answers.
-struct ScriptedView {
-  InstallerStatus open = kInstallerSuccess;
-  InstallerStatus names_status = kInstallerSuccess;
-  InstallerStatus types_status = kInstallerSuccess;
-  ScriptedFields names = {};
-  ScriptedFields types = {};
-  std::vector<ScriptedFields> records = {};
-  InstallerStatus end = kInstallerNoMoreItems;
-  bool count_fails = false;
-};
-
-/// Queries answer what was scripted for them; one that wasn't is a bad query. `log` tells of every
-/// query, `open_objects` how many databases, views and records there are.
-class ScriptedDatabases : public InstallerDatabases {
+/// Passes all calls on, but for those that are to fail.
+class HookedDatabases : public InstallerDatabases {
  public:
-  std::map<std::string, ScriptedView> views;
-  std::vector<std::string> log;
-  InstallerStatus open_status = kInstallerSuccess;
-  int open_objects = 0;
+  explicit HookedDatabases(InstallerDatabases& inner) : inner_(inner) {}
 
-  /// Each column with its name and its type.
-  using ColumnList = std::vector<std::pair<std::string, std::string>>;
-
-  void add(const std::string& table, const ColumnList& columns, const std::string& row_query,
-           const std::vector<ScriptedFields>& rows) {
-    views["select `Name` from `_Tables`"].records.push_back({{table}});
-    describe(table, columns, row_query, rows);
-  }
-  void describe(const std::string& table, const ColumnList& columns, const std::string& row_query,
-                const std::vector<ScriptedFields>& rows) {
-    ScriptedView& all = views["select * from `" + table + "`"];
-    for (const auto& [name, type] : columns) {
-      all.names.push_back({name});
-      all.types.push_back({type});
-    }
-    views[row_query].records = rows;
-  }
+  /// The calls so far: "open", then each with the query it belongs to, as in "fetch 3 QUERY",
+  /// "names QUERY", "field_count QUERY", "text 2 QUERY", where a text of a row says "text 2 of 3
+  /// QUERY".
+  std::vector<std::string> calls;
+  /// The call with this place in `calls` fails, and with this status.
+  size_t failing = SIZE_MAX;
+  InstallerStatus status = 1234;
 
   InstallerStatus open(const char* path, std::unique_ptr<InstallerDatabase>& database) override {
-    log.emplace_back(std::string("open ") + path);
-    if (open_status == kInstallerSuccess) database = std::make_unique<Database>(*this);
-    return open_status;
+    if (fails("open")) return status;
+    std::unique_ptr<InstallerDatabase> opened;
+    const InstallerStatus answer = inner_.open(path, opened);
+    if (opened) database = std::make_unique<Database>(*this, std::move(opened));
+    return answer;
   }
 
  private:
-  class Counted {
+  class Record : public InstallerRecord {
    public:
-    explicit Counted(ScriptedDatabases& owner) : owner_(owner) { ++owner.open_objects; }
-    ~Counted() { --owner_.open_objects; }
-    Counted(const Counted&) = delete;
-    Counted& operator=(const Counted&) = delete;
-
-   protected:
-    ScriptedDatabases& owner_;
-  };
-
-  class Record : public InstallerRecord, private Counted {
-   public:
-    Record(ScriptedDatabases& owner, const ScriptedFields& fields, bool count_fails)
-        : Counted(owner), fields_(fields), count_fails_(count_fails) {}
-    int field_count() override { return count_fails_ ? -1 : static_cast<int>(fields_.size()); }
-    InstallerStatus text(unsigned field, char* buffer, size_t room) override {
-      const ScriptedField answer = at(field);
-      const size_t length = std::min(answer.text.size(), room - 1);
-      std::memcpy(buffer, answer.text.data(), length);
-      buffer[length] = '\0';
-      const bool cut = length < answer.text.size() && answer.status == kInstallerSuccess;
-      return cut ? kInstallerMoreData : answer.status;
+    Record(HookedDatabases& all, std::unique_ptr<InstallerRecord> inner, std::string words)
+        : all_(all), inner_(std::move(inner)), words_(std::move(words)) {}
+    int field_count() override {
+      if (!all_.fails("field_count" + words_)) return inner_->field_count();
+      ORLO::set_last_error(all_.status);
+      return -1;
     }
-    int32_t integer(unsigned field) override { return at(field).number; }
+    InstallerStatus text(unsigned field, char* buffer, size_t room) override {
+      if (all_.fails("text " + std::to_string(field) + words_)) return all_.status;
+      return inner_->text(field, buffer, room);
+    }
+    int32_t integer(unsigned field) override { return inner_->integer(field); }
 
    private:
-    /// There is nothing in a field beyond the last one.
-    ScriptedField at(unsigned field) const {
-      return field <= fields_.size() ? fields_[field - 1] : ScriptedField();
-    }
-
-    const ScriptedFields fields_;
-    const bool count_fails_;
+    HookedDatabases& all_;
+    const std::unique_ptr<InstallerRecord> inner_;
+    const std::string words_;
   };
 
-  class View : public InstallerView, private Counted {
+  class View : public InstallerView {
    public:
-    View(ScriptedDatabases& owner, const ScriptedView& script) : Counted(owner), script_(script) {}
+    View(HookedDatabases& all, std::unique_ptr<InstallerView> inner, std::string query)
+        : all_(all), inner_(std::move(inner)), query_(std::move(query)) {}
     InstallerStatus column_info(ColumnInfo kind,
                                 std::unique_ptr<InstallerRecord>& record) override {
-      const bool names = kind == ColumnInfo::names;
-      const InstallerStatus status = names ? script_.names_status : script_.types_status;
-      if (status != kInstallerSuccess) return status;
-      record = std::make_unique<Record>(owner_, names ? script_.names : script_.types,
-                                        script_.count_fails);
-      return status;
+      const char* const words = kind == ColumnInfo::names ? "names " : "types ";
+      if (all_.fails(words + query_)) return all_.status;
+      return wrap(inner_->column_info(kind, record), record, " " + query_);
     }
     InstallerStatus fetch(std::unique_ptr<InstallerRecord>& record) override {
-      if (fetched_ == script_.records.size()) return script_.end;
-      record = std::make_unique<Record>(owner_, script_.records[fetched_++], false);
-      return kInstallerSuccess;
+      const std::string number = std::to_string(++fetched_);
+      if (all_.fails("fetch " + number + " " + query_)) return all_.status;
+      return wrap(inner_->fetch(record), record, " of " + number + " " + query_);
     }
 
    private:
-    const ScriptedView script_;
-    size_t fetched_ = 0;
+    InstallerStatus wrap(InstallerStatus answer, std::unique_ptr<InstallerRecord>& record,
+                         const std::string& words) {
+      if (answer == kInstallerSuccess)
+        record = std::make_unique<Record>(all_, std::move(record), words);
+      return answer;
+    }
+
+    HookedDatabases& all_;
+    const std::unique_ptr<InstallerView> inner_;
+    const std::string query_;
+    int fetched_ = 0;
   };
 
-  class Database : public InstallerDatabase, private Counted {
+  class Database : public InstallerDatabase {
    public:
-    explicit Database(ScriptedDatabases& owner) : Counted(owner) {}
+    Database(HookedDatabases& all, std::unique_ptr<InstallerDatabase> inner)
+        : all_(all), inner_(std::move(inner)) {}
     InstallerStatus open_view(const char* query, std::unique_ptr<InstallerView>& view) override {
-      owner_.log.emplace_back(query);
-      const auto found = owner_.views.find(query);
-      if (found == owner_.views.end()) return kInstallerBadQuery;
-      if (found->second.open == kInstallerSuccess)
-        view = std::make_unique<View>(owner_, found->second);
-      return found->second.open;
+      if (all_.fails(std::string("open_view ") + query)) return all_.status;
+      const InstallerStatus answer = inner_->open_view(query, view);
+      if (view) view = std::make_unique<View>(all_, std::move(view), query);
+      return answer;
     }
+
+   private:
+    HookedDatabases& all_;
+    const std::unique_ptr<InstallerDatabase> inner_;
   };
+
+  bool fails(const std::string& call) {
+    calls.push_back(call);
+    return calls.size() - 1 == failing;
+  }
+
+  InstallerDatabases& inner_;
+};
+
+using Texts = std::vector<std::string>;
+using Lines = std::vector<Texts>;
+
+/// The titles of what is shown of a table.
+inline Texts titles(const DatabaseContent& content, const String& table) {
+  Texts result;
+  for (const ShownColumn& column : shown_columns(content.schemas().at(table)))
+    result.emplace_back(column.name.c_str());
+  return result;
+}
+
+/// The rows as they are shown, each with its number first.
+inline Lines lines(const DatabaseContent& content, const String& table) {
+  Lines result;
+  const std::vector<ShownColumn> columns = shown_columns(content.schemas().at(table));
+  for (const auto& [key, row] : content.tables().at(table)->rows) {
+    Texts line{key.texts.at(0).c_str()};
+    for (const ShownColumn& column : columns)
+      line.emplace_back(row.cells.at(static_cast<size_t>(column.cell)).text.c_str());
+    result.push_back(line);
+  }
+  return result;
+}
+
+inline Texts table_names(const DatabaseContent& content) {
+  Texts result;
+  for (const auto& [name, table] : content.tables())
+    result.emplace_back(name.c_str());
+  return result;
+}
+
+/// An empty database at a path, and its content.
+class DatabaseBed : public testing::Test {
+ protected:
+  using Memory = MemoryInstallerDatabases;
+  static constexpr char kPath[] = "C:\\a.msi";
+
+  /// Whatever a test does, nothing stays open.
+  ~DatabaseBed() override { EXPECT_EQ(memory_.open_objects(), 0); }
+
+  Memory::Table& add(const std::string& name, const std::vector<Memory::Column>& columns,
+                     const std::vector<std::vector<Memory::Value>>& rows = {}) {
+    database_.tables.push_back({name, columns, rows});
+    return database_.tables.back();
+  }
+  void load() { content_.load(databases_, kPath); }
+  /// The status that load() ends with.
+  InstallerStatus load_status() {
+    try {
+      load();
+    } catch (const ORLO::SDKException& exception) {
+      return exception.code;
+    }
+    return kInstallerSuccess;
+  }
+  Lines shown(const char* table) const { return lines(content_, table); }
+  Texts shown_titles(const char* table) const { return titles(content_, table); }
+
+  Memory memory_;
+  Memory::Database& database_ = memory_.add(kPath);
+  HookedDatabases databases_{memory_};
+  DatabaseContent content_;
 };
