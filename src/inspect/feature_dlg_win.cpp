@@ -11,6 +11,7 @@ constexpr ORLO::ResizeRule kResizeRules[] = {
 };
 constexpr int kExtraHeight = 200;
 /// In pixels of a screen of 96 dots per inch.
+constexpr int kMarkSide = 16;
 
 }  // namespace
 
@@ -18,8 +19,8 @@ FeatureDlg::FeatureDlg(HWND window, const Resources& resources, const UninstallE
                        Installer& installer, Registry& registry)
     : InspectionDlg(window, resources, package, package.displayName),
       tree(control(IDC_FEATURE_TREE)),
-      images(ImageList_LoadImageA(resources.module(), MAKEINTRESOURCEA(IDB_PACKAGES), 16, 0,
-                                  0xff00ff, IMAGE_BITMAP, 0)) {
+      images(load_marks(resources.module(), IDB_PACKAGES,
+                        ORLO::scale_up(kMarkSide, ORLO::screen_dpi()))) {
   lay_out(kResizeRules, 0, kExtraHeight);
   SendMessageA(tree, TVM_SETIMAGELIST, TVSIL_NORMAL, reinterpret_cast<LPARAM>(images.get()));
   const ORLO::WaitCursor wait;
