@@ -52,6 +52,7 @@ run_wine list_model
 run_wine list_paint
 run_wine icon_pass
 run_wine export_pass
+run_wine database_table
 run_wine list_fill 'build\win32\zolvane.exe'
 echo "bench: $(nproc) cores, load at the start $load, $(wine --version), $(uname -m)"
 "$python" scripts/bench_figures.py "$results"

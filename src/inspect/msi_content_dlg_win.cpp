@@ -100,9 +100,11 @@ void MSIContentDlg::add_rows(const Table& table, const std::vector<ShownColumn>&
   const auto text = [](const Row& row, const ShownColumn& column) {
     return row.cells[static_cast<size_t>(column.cell)].text.c_str();
   };
+  int line = 0;
   for (const auto& [key, row] : table.rows) {
-    const int line = contentList.insert(contentList.count(), text(row, columns.front()), 0);
+    contentList.insert(line, text(row, columns.front()), 0);
     for (size_t i = 1; i < columns.size(); ++i)
       contentList.set_text(line, static_cast<int>(i), text(row, columns[i]));
+    ++line;
   }
 }

@@ -38,9 +38,11 @@ void PatchDlg::fill(const PatchServices& services) const {
   const ORLO::WaitCursor wait;
   const ORLO::FrozenDrawing frozen(patchList.window());
   patchList.clear();
+  int line = 0;
   for (const PatchRow& row : read_patch_rows(services, entry.name)) {
-    const int line = patchList.insert(patchList.count(), row[0].c_str(), 0);
+    patchList.insert(line, row[0].c_str(), 0);
     for (int column = 1; column < kPatchColumns; ++column)
       patchList.set_text(line, column, row[static_cast<size_t>(column)].c_str());
+    ++line;
   }
 }
