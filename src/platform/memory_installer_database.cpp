@@ -76,6 +76,7 @@ int32_t type_number(const Column& column) {
   constexpr int32_t kInteger = 0x400;
   constexpr int32_t kText = 0xC00;
   constexpr int32_t kStream = 0x800;
+  constexpr int32_t kLocalizable = 0x200;
   constexpr int32_t kNullable = 0x1000;
   int32_t number = kValid | size;
   if (is_stream(column))
@@ -84,6 +85,7 @@ int32_t type_number(const Column& column) {
     number |= kText;
   else if (size == 2)
     number |= kInteger;
+  if (type.starts_with('l') || type.starts_with('L')) number |= kLocalizable;
   if (!type.empty() && type.front() < 'a') number |= kNullable;
   return number;
 }
