@@ -176,6 +176,29 @@ TEST_P(InstallerContract, GivesAFeatureOfUpTo38CharactersAndNoLongerOne) {
   EXPECT_TRUE(all_features(installer(), kSecond).empty());
 }
 
+TEST_P(InstallerContract, TellsTheStateOfEachFeature) {
+  bed().install({kFirst,
+                 {},
+                 {{"Main", ""}, {"Part", "Main"}, {"Offer", ""}, {"None", ""}},
+                 {{"Offer", kFeatureAdvertised}, {"None", kFeatureAbsent}}});
+  EXPECT_EQ(installer().feature_state(kFirst.c_str(), "Main"), kFeatureLocal);
+  EXPECT_EQ(installer().feature_state(kFirst.c_str(), "Part"), kFeatureLocal);
+  EXPECT_EQ(installer().feature_state(kFirst.c_str(), "Offer"), kFeatureAdvertised);
+  EXPECT_EQ(installer().feature_state(kFirst.c_str(), "None"), kFeatureAbsent);
+}
+
+TEST_P(InstallerContract, KnowsNoStateOfAFeatureThatIsNotThere) {
+  bed().install({kFirst, {}, {{"Main", ""}}});
+  for (const char* const feature : {"Other", "MAIN2"})
+    EXPECT_EQ(installer().feature_state(kFirst.c_str(), feature), kFeatureUnknown) << feature;
+  EXPECT_EQ(installer().feature_state(kAbsent.c_str(), "Main"), kFeatureUnknown);
+}
+
+TEST_P(InstallerContract, HasNoFeatureInstalledOfWhatIsNoProductCode) {
+  for (const char* const code : {"", "no code", "{}"})
+    EXPECT_LT(installer().feature_state(code, "Main"), kFeatureLocal) << code;
+}
+
 TEST_P(InstallerContract, ExchangesTheOwnersOfItsWindows) {
   int first = 0;
   int second = 0;

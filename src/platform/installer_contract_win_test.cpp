@@ -84,6 +84,11 @@ INSTALLUILEVEL WINAPI record_ui(INSTALLUILEVEL level, HWND* owner) {
   last_ui_call = {level, owner};
   return INSTALLUILEVEL_DEFAULT;
 }
+/// Source for codes longer than the feature, else a failure.
+INSTALLSTATE WINAPI state_of_letters(LPCSTR product, LPCSTR feature) {
+  return std::strlen(product) > std::strlen(feature) ? INSTALLSTATE_SOURCE
+                                                     : INSTALLSTATE_INVALIDARG;
+}
 /// Gives the room that it was given as the value.
 UINT WINAPI room_of_value(LPCSTR, LPCSTR, LPSTR value, DWORD* length) {
   std::strcpy(value, std::to_string(*length).c_str());
@@ -140,7 +145,14 @@ TEST_F(OddInstaller, HasNothingWithoutTheModule) {
   EXPECT_EQ(installer_->feature_at("p", 0, name_, parent_), kInstallerNoMoreItems);
   EXPECT_STREQ(name_, "");
   EXPECT_STREQ(parent_, "");
+  EXPECT_EQ(installer_->feature_state("p", "Main"), kFeatureUnknown);
   EXPECT_FALSE(installer_->product_info("p", "ProductName").has_value());
+}
+
+TEST_F(OddInstaller, GivesWhateverStateTheSystemTells) {
+  functions_.set("MsiQueryFeatureStateA", &state_of_letters);
+  EXPECT_EQ(installer_->feature_state("abcd", "ab"), 4);
+  EXPECT_EQ(installer_->feature_state("a", "abc"), -2);
 }
 
 TEST_F(OddInstaller, HandsTheSystemTheLevelAndTheAddressOfTheOwner) {

@@ -16,7 +16,7 @@ class MemoryDatabaseBed final : public DatabaseBed {
 
   InstallerDatabases& databases() override { return databases_; }
   std::string write(const std::vector<MemoryTable>& tables) override {
-    const std::string path = std::to_string(++written_) + ".msi";
+    std::string path = std::to_string(++written_) + ".msi";
     databases_.add(path).tables = tables;
     return path;
   }

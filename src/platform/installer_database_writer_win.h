@@ -37,10 +37,14 @@ class DatabaseWriter {
       places += places.empty() ? "?" : ",?";
     }
     const std::string name = quoted(table.name);
-    run("CREATE TABLE " + name + " (" + columns + " PRIMARY KEY " + quoted(table.columns[0].name) +
-        ")");
+    std::string create = "CREATE TABLE ";
+    create.append(name).append(" (").append(columns).append(" PRIMARY KEY ");
+    run(create.append(quoted(table.columns[0].name)).append(")"));
+    std::string insert = "INSERT INTO ";
+    insert.append(name).append(" (").append(names(table)).append(") VALUES (").append(places);
+    insert += ')';
     for (const std::vector<Value>& row : table.rows)
-      run("INSERT INTO " + name + " (" + names(table) + ") VALUES (" + places + ")", record(row));
+      run(insert, record(row));
   }
 
   /// Writes a text that no 8-bit code page need hold.

@@ -35,6 +35,7 @@ class InstallerSeed {
     const OwnedKey features = create_tree(kInstaller + ("Features\\" + packed));
     for (const auto& [name, parent] : product.features)
       set(features, name, parent);
+    seed_states(product, packed, installed);
   }
 
  private:
@@ -44,6 +45,20 @@ class InstallerSeed {
     static void close(Handle handle) noexcept { RegCloseKey(handle); }
   };
   using OwnedKey = ORLO::OwnedHandle<KeyTraits>;
+
+  /// A feature that isn't installed is marked before its parent's name; one that is only advertised
+  /// has no list of its components, not even an empty one.
+  void seed_states(const MemoryInstaller::Product& product, const std::string& packed,
+                   const std::string& installed) {
+    const OwnedKey known = create_tree("SOFTWARE\\Classes\\Installer\\Features\\" + packed);
+    const OwnedKey components = create(installed + "\\Features");
+    for (const auto& [name, parent] : product.features) {
+      const auto state = product.states.find(name);
+      const int32_t wanted = state != product.states.end() ? state->second : kFeatureLocal;
+      set(known, name, wanted == kFeatureAbsent ? '\x06' + parent : parent);
+      if (wanted == kFeatureLocal) set(components, name, "");
+    }
+  }
 
   static constexpr char kInstaller[] = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Installer\\";
   static constexpr REGSAM kAccess = KEY_ALL_ACCESS | KEY_WOW64_64KEY;
