@@ -8,6 +8,7 @@
 #include <cstring>
 #include <fstream>
 #include <map>
+#include <random>
 #include <utility>
 
 #include "orlo/module_functions.h"
@@ -135,6 +136,61 @@ TEST(SystemDatabases, LeaveTheFileAsItIs) {
   const std::string before = file_bytes(folder.file("a.msi"));
   EXPECT_EQ(open_status(folder.file("a.msi")), kInstallerSuccess);
   EXPECT_EQ(file_bytes(folder.file("a.msi")), before);
+}
+
+namespace {
+
+/// Asks for all that a database holds; the tables that answer.
+size_t read_all(const std::string& path) {
+  const auto databases = make_system_installer_databases();
+  std::unique_ptr<InstallerDatabase> database;
+  std::unique_ptr<InstallerView> view;
+  size_t tables = 0;
+  if (databases->open(path.c_str(), database) != kInstallerSuccess) return tables;
+  for (const char* const name : {"T", "U", "_Tables", "_Columns", "_Streams", "_Storages"}) {
+    const std::string query = "select * from `" + std::string(name) + "`";
+    if (database->open_view(query.c_str(), view) != kInstallerSuccess) continue;
+    column_texts(*view, ColumnInfo::names);
+    InstallerStatus end = 0;
+    rows_of(*view, end);
+    ++tables;
+  }
+  return tables;
+}
+
+std::string package_bytes(const PackageFolder& folder) {
+  DatabaseWriter writer = folder.create("whole.msi");
+  MemoryTable table{"T", {{"Key", "i2"}, {"Text", "S0"}, {"Content", "V0"}}, {}};
+  for (int32_t key = 1; key <= 50; ++key)
+    table.rows.push_back({key, "text " + std::to_string(key), Stream()});
+  writer.add(table);
+  writer.add({"U", {{"Key", "i2"}}, {{1}}});
+  writer.finish();
+  return file_bytes(folder.file("whole.msi"));
+}
+
+}  // namespace
+
+// Wine frees the file twice where it can't read a database's strings.
+TEST(SystemDatabases, SurviveAFileThatIsCutOffAnywhere) {
+  const PackageFolder folder;
+  const std::string whole = package_bytes(folder);
+  EXPECT_EQ(read_all(folder.write_bytes("cut.msi", whole)), 6u);
+  for (size_t size = 0; size < whole.size(); size += 512)
+    read_all(folder.write_bytes("cut.msi", whole.substr(0, size)));
+}
+
+// Wine follows a directory that leads in a circle, and columns that aren't there.
+TEST(SystemDatabases, SurviveAFileWithAnOddByteInEverySector) {
+  const PackageFolder folder;
+  const std::string whole = package_bytes(folder);
+  std::mt19937 random(1);
+  for (int round = 0; round < 300; ++round) {
+    std::string bytes = whole;
+    for (size_t at = random() % 512; at < bytes.size(); at += 512)
+      bytes[at] = static_cast<char>(random());
+    read_all(folder.write_bytes("odd.msi", bytes));
+  }
 }
 
 // The process's code page is Windows-1252 wherever these run.

@@ -8,7 +8,9 @@
 #include <optional>
 #include <vector>
 
+#include "orlo/file_modes.h"
 #include "orlo/owned_handle.h"
+#include "platform/package_file_check.h"
 #include "platform/system_installer.h"
 #include "platform/whole_characters.h"
 
@@ -221,6 +223,15 @@ class SystemDatabase final : public InstallerDatabase {
   const OwnedMsiHandle handle_;
 };
 
+/// Opens nothing that the system would stumble over; what can't be read is the system's to refuse.
+bool is_sound(const char* path) {
+  const auto file = ORLO::open_raw_file(path, ORLO::FileAccess::read, ORLO::kOpenExisting,
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE, 0);
+  if (file == nullptr) return true;
+  const auto code_page = check_package_file(*file);
+  return code_page && (*code_page == CP_ACP || IsValidCodePage(*code_page) != FALSE);
+}
+
 class SystemDatabases final : public InstallerDatabases {
  public:
   explicit SystemDatabases(ORLO::ModuleFunctions& functions) : functions_(functions) {}
@@ -228,7 +239,7 @@ class SystemDatabases final : public InstallerDatabases {
   InstallerStatus open(const char* path, std::unique_ptr<InstallerDatabase>& database) override {
     database.reset();
     if (!msi_) msi_.emplace(functions_);
-    if (!msi_->complete) return kInstallerOpenFailed;
+    if (!msi_->complete || !is_sound(path)) return kInstallerOpenFailed;
     OwnedMsiHandle handle;
     const InstallerStatus status = open_handle(*msi_, handle, [this, path](MSIHANDLE* opened) {
       return msi_->open_database(path, MSIDBOPEN_READONLY, opened);
