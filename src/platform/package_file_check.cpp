@@ -95,6 +95,8 @@ class CompoundFile {
       small_successors_ = numbers_of(sectors(follow(successors_, number32(header, 60))));
     directory_ = sectors(follow(successors_, number32(header, 48)));
     small_sectors_ = follow(successors_, number32(directory_, 116));
+    small_size_ = number32(directory_, 120);
+    demand(small_size_ <= small_sectors_.size() * sector_size_);
     check_directory();
   }
 
@@ -144,7 +146,7 @@ class CompoundFile {
     std::string bytes;
     const uint64_t in_one = sector_size_ / kSmallSector;
     for (const uint32_t place : follow(small_successors_, start)) {
-      demand(place / in_one < small_sectors_.size());
+      demand(place * kSmallSector < small_size_);
       const uint64_t sector = small_sectors_[static_cast<size_t>(place / in_one)];
       bytes.append(
           bytes_at((sector + 1) * sector_size_ + place % in_one * kSmallSector, kSmallSector));
@@ -217,6 +219,7 @@ class CompoundFile {
   Chain successors_;
   Chain small_successors_;
   Chain small_sectors_;
+  uint64_t small_size_ = 0;
   std::string directory_;
 };
 
