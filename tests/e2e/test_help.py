@@ -66,7 +66,7 @@ def test_it_holds_every_topic_as_written(unpacked):
 
 def test_it_is_there_in_both_languages(pages):
     assert topics(pages, "en") == topics(pages, "de")
-    assert len(topics(pages, "en")) == 9
+    assert len(topics(pages, "en")) == 10
 
 
 def test_every_link_leads_to_a_file_of_it(pages, unpacked):
@@ -110,6 +110,13 @@ NEEDED = {
                       "double click", "Shift+F10"],
                      ["nicht entfernen", "64-Bit-Teil der Registry", "Administrator",
                       "Doppelklick", "Umschalt+F10"]),
+    "inside.htm": (["MSI content...", "MSI features...", "Patches...", "<binary>", "1,023",
+                    "row 1, then 10, 11", "tick", "cross", "applied", "superseded", "obsoleted",
+                    "registered", "broken", "without a date first", "32-bit part", "grey"],
+                   ["MSI-Inhalt...", "MSI-Features...", "Patches...", "<binary>", "1.023",
+                    "Zeile 1, dann 10, 11", "Haken", "Kreuz", "installiert", "\xfcberschrieben",
+                    "veraltet", "registriert", "defekt", "ohne Datum stehen vorn", "32-Bit-Teil",
+                    "grau"]),
     "export.htm": (["xls", "semicolon", "65,535", "code page", "-export", ".ndjson", "with 2"],
                    ["xls", "Semikolon", "65.535", "Codepage", "-export", ".ndjson", "mit 0, oder mit 2"]),
     "files.htm": (["%LOCALAPPDATA%\\Quillmere", "zolvane-cfg.xml", "zolvane-hist.xml",
