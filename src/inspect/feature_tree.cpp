@@ -9,6 +9,7 @@ namespace {
 /// Places of the features that stand in the tree already.
 using Places = std::map<String, int, ORLO::ByteOrder>;
 
+/// Features and patches are read in one step; the patches aren't looked at here.
 FeatureMap read_features(Installer& installer, Registry& registry, const String& product_code) {
   PatchMap details;
   ProductPatchMap applied;

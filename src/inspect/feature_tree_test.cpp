@@ -178,6 +178,15 @@ TEST_F(FeatureTree, HandsTheProductCodeOnAsItStands) {
   }
 }
 
+TEST_F(FeatureTree, ReadsThePatchesToo) {
+  install({{"A", ""}});
+  registry_.create(product_patch_key("P1"));
+  EXPECT_EQ(shown(), Texts{"+A"});
+  const Texts calls = registry_.calls();
+  EXPECT_EQ(std::count(calls.begin(), calls.end(), "subkey_at P1"), 1);
+  EXPECT_EQ(registry_.open_keys(), 0u);
+}
+
 TEST_F(FeatureTree, NeedsNoRegistry) {
   install({{"A", ""}});
   registry_.create(user_data());

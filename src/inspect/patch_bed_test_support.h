@@ -24,10 +24,12 @@ class PatchBedTest : public InstallerBedTest {
       add("P" + std::to_string(++number), date);
   }
 
+  PatchServices patch_services() {
+    return {installer_, registry_, clock_,
+            [](unsigned id) { return String::formatted("text %u", id); }};
+  }
   std::vector<PatchRow> read(const char* code = kProduct) {
-    const PatchServices services{installer_, registry_, clock_,
-                                 [](unsigned id) { return String::formatted("text %u", id); }};
-    return read_patch_rows(services, code);
+    return read_patch_rows(patch_services(), code);
   }
   Texts column(int index, const char* code = kProduct) {
     const std::vector<PatchRow> rows = read(code);

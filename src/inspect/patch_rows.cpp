@@ -86,20 +86,6 @@ void insert_by_date(std::vector<const DatedRow*>& order, const DatedRow& row) {
   order.insert(place, &row);
 }
 
-std::vector<DatedRow> read_rows_by_key(const PatchServices& services, const String& product_code) {
-  PatchMap details;
-  ProductPatchMap applied;
-  FeatureMap features;
-  PatchSet patches;
-  LoadInstallerPatches(services.registry, details, applied);
-  ReadProductFeaturesAndPatches(services.installer, product_code, applied, features, patches);
-  std::vector<DatedRow> rows;
-  rows.reserve(patches.size());
-  for (const String& key : patches)
-    rows.push_back(row_of(key, details, services));
-  return rows;
-}
-
 }  // namespace
 
 const PatchColumn& patch_column(int index) {
@@ -108,11 +94,26 @@ const PatchColumn& patch_column(int index) {
 }
 
 std::vector<PatchRow> read_patch_rows(const PatchServices& services, const String& product_code) {
-  const std::vector<DatedRow> rows = read_rows_by_key(services, product_code);
+  PatchMap details;
+  ProductPatchMap applied;
+  FeatureMap features;
+  PatchSet patches;
+  LoadInstallerPatches(services.registry, details, applied);
+  ReadProductFeaturesAndPatches(services.installer, product_code, applied, features, patches);
+  return make_patch_rows(patches, details, services);
+}
+
+std::vector<PatchRow> make_patch_rows(const PatchSet& patches, const PatchMap& details,
+                                      const PatchServices& services) {
+  // The order holds pointers to the rows, so they must stay where they are.
+  std::vector<DatedRow> rows;
+  rows.reserve(patches.size());
   std::vector<const DatedRow*> order;
-  order.reserve(rows.size());
-  for (const DatedRow& row : rows)
-    insert_by_date(order, row);
+  order.reserve(patches.size());
+  for (const String& key : patches) {
+    rows.push_back(row_of(key, details, services));
+    insert_by_date(order, rows.back());
+  }
   std::vector<PatchRow> texts;
   texts.reserve(order.size());
   for (const DatedRow* const row : order)

@@ -5,6 +5,7 @@
 #include <functional>
 #include <vector>
 
+#include "inventory/installer_patches.h"
 #include "orlo/clock.h"
 #include "orlo/rstring.h"
 #include "platform/installer.h"
@@ -32,3 +33,7 @@ struct PatchServices {
 
 /// Patches without a date come first; those of one date stand in the order of their keys.
 std::vector<PatchRow> read_patch_rows(const PatchServices& services, const String& product_code);
+
+/// The rows of these patches alone; one that isn't in `details` shows its key only.
+std::vector<PatchRow> make_patch_rows(const PatchSet& patches, const PatchMap& details,
+                                      const PatchServices& services);

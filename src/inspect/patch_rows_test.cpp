@@ -108,6 +108,18 @@ TEST_F(PatchRows, OfAPatchWhoseKeyCannotBeOpenedHaveItsKeyAndWhatNothingMeans) {
   EXPECT_STREQ(rows[0][5].c_str(), "no");
 }
 
+TEST_F(PatchRows, OfPatchesOfWhichNothingIsKnownHaveTheirKeysOnlyAndComeFirst) {
+  PatchMap details;
+  details["P1"].installed = "20110301";
+  const std::vector<PatchRow> rows = make_patch_rows({"P1", "P2", "P3"}, details, patch_services());
+  ASSERT_EQ(rows.size(), 3u);
+  EXPECT_STREQ(rows[0][0].c_str(), "P2");
+  EXPECT_STREQ(rows[1][0].c_str(), "P3");
+  EXPECT_STREQ(rows[2][0].c_str(), "P1");
+  for (size_t i = 1; i < kPatchColumns; ++i)
+    EXPECT_STREQ(rows[0][i].c_str(), "") << i;
+}
+
 TEST_F(PatchRows, AreThoseOfTheProductAlone) {
   add("P1", "20110301");
   registry_.create(product_patch_key("P2", "another"));
