@@ -40,7 +40,7 @@ ORLO::OwnedBitmap make_bitmap(const SIZE& size, bool mask) noexcept {
 int count_drawn_images(HINSTANCE module, unsigned id) noexcept {
   const ORLO::OwnedBitmap drawn = load_bitmap(module, id);
   BITMAP info{};
-  if (!drawn || GetObjectA(drawn.get(), sizeof info, &info) == 0) return 0;
+  if (GetObjectA(drawn.get(), sizeof info, &info) == 0) return 0;
   return static_cast<int>(info.bmWidth) / kDrawnSide;
 }
 

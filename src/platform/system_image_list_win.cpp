@@ -135,7 +135,7 @@ std::unique_ptr<ImageList> SystemImageLists::read(const std::string& bytes, bool
 }
 
 OwnedImageList load_marks(HINSTANCE module, unsigned bitmap, int side) {
-  const int count = side > 0 ? count_drawn_images(module, bitmap) : 0;
+  const int count = count_drawn_images(module, bitmap);
   if (count == 0) return OwnedImageList();
   const ORLO::OwnedBitmap images = load_drawn_images(module, bitmap, count, {side, side}, false);
   OwnedImageList list(ImageList_Create(side, side, kListFlags, count, 1));
