@@ -23,6 +23,7 @@ run_host() {
     --benchmark_enable_random_interleaving=true --benchmark_report_aggregates_only=true \
     --benchmark_out="$results/host.json" --benchmark_out_format=json >"$results/host.log" 2>&1
   build/host/bench/workbook_memory >"$results/workbook_memory.txt"
+  build/host/bench/database_memory >"$results/database_memory.txt"
   echo "bench: workbooks of other programs, 5 times in turns"
   "$python" scripts/bench_workbook.py build/host/bench/csv_to_workbook \
     >"$results/workbook_file.txt"
@@ -53,6 +54,7 @@ run_wine list_paint
 run_wine icon_pass
 run_wine export_pass
 run_wine database_table
+run_wine database_open
 run_wine list_fill 'build\win32\zolvane.exe'
 echo "bench: $(nproc) cores, load at the start $load, $(wine --version), $(uname -m)"
 "$python" scripts/bench_figures.py "$results"

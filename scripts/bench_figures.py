@@ -52,6 +52,7 @@ TARGET = (
     ("lines of 50 MB", "line_read", "floor: the same blocks", 1.2),
     ("update log of 50 MB, 1 % successes", "update_log", "floor: its lines alone", 1.3),
     ("table of 20,000 rows shown", "database_table", "floor: bare list view, frozen", 2.0),
+    ("database of 100 tables, 5,000 rows", "database_open", "floor: bare calls", 1.2),
     ("list filling, 2,000 entries", "list_fill", "floor: bare list view, frozen", 2.0),
 )
 # Files with several candidates of the program's own: title, candidate, candidate beside it, bar.
@@ -139,6 +140,10 @@ def main():
         for title, name, beside, bar in rows:
             print_row(title, times[name], beside or "", times.get(beside), bar)
     print((folder / "workbook_memory.txt").read_text(), end="")
+    print((folder / "database_memory.txt").read_text(), end="")
+    for line in (folder / "database_open.txt").read_text().splitlines():
+        if line.startswith("database of"):
+            print(line)
     # The split of the start is text already.
     for line in (folder / "list_fill.txt").read_text().splitlines():
         if line.startswith("Process start") or line.startswith("  pass"):

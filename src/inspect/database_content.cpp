@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <charconv>
-#include <functional>
+#include <cstring>
 #include <string_view>
-#include <unordered_set>
+#include <vector>
 
 #include "orlo/exception.h"
 
@@ -20,55 +20,80 @@ void check(InstallerStatus status) {
   if (status != kInstallerSuccess) throw ORLO::SDKException(status);
 }
 
-template <size_t room>
-String name_at(InstallerRecord& record, unsigned field) {
-  char buffer[room] = {};
-  check(record.text(field, buffer, room));
-  return buffer;
-}
-
-ColumnType type_of(const String& installer_type) {
-  return std::string_view("iIjJ").find(*installer_type.c_str()) < 4 ? ColumnType::integer
-                                                                    : ColumnType::text;
+ColumnType type_of(const char* installer_type) {
+  const bool number = std::string_view("iIjJ").find(*installer_type) != std::string_view::npos;
+  return number ? ColumnType::integer : ColumnType::text;
 }
 
 /// Equal texts share a block: the names of a package's components, folders and files stand in many
-/// of its tables.
+/// of its tables. A hash table without nodes, as allocations are what loading takes longest for. A
+/// text that finds no place near its own takes that of another, which isn't shared any further, so
+/// that no choice of texts can make the search long.
 class TextPool {
  public:
-  const String& text(std::string_view text) {
-    const auto known = texts_.find(text);
-    if (known != texts_.end()) return *known;
-    return *texts_.emplace(text.data(), text.size(), nullptr, 0).first;
+  /// The reference holds until the next call.
+  const String& text(const char* text) {
+    if (*text == '\0') return none_;
+    if (2 * count_ >= slots_.size()) grow();
+    const uint32_t hash = hash_of(text);
+    Slot& slot = slot_for(text, hash);
+    if (slot.hash == hash && std::strcmp(slot.text.c_str(), text) == 0) return slot.text;
+    if (slot.hash == kFree) ++count_;
+    slot.hash = hash;
+    slot.text = String(text);
+    return slot.text;
   }
   const String& decimal(int32_t number) {
     char digits[16];
-    const char* const end = std::to_chars(digits, digits + sizeof digits, number).ptr;
-    return text({digits, static_cast<size_t>(end - digits)});
+    *std::to_chars(digits, digits + sizeof digits - 1, number).ptr = '\0';
+    return text(digits);
   }
 
  private:
-  static std::string_view view(const String& text) noexcept {
-    return {text.c_str(), text.length()};
+  static constexpr uint32_t kFree = 0;
+  static constexpr size_t kFirstSlots = 1024;
+  static constexpr size_t kMostSteps = 32;
+
+  struct Slot {
+    String text;
+    uint32_t hash = kFree;
+  };
+
+  /// FNV-1a.
+  static uint32_t hash_of(const char* text) noexcept {
+    uint32_t hash = 2166136261U;
+    for (; *text != '\0'; ++text)
+      hash = (hash ^ static_cast<unsigned char>(*text)) * 16777619U;
+    return hash == kFree ? 1 : hash;
   }
-  static std::string_view view(std::string_view text) noexcept { return text; }
 
-  struct Hash {
-    using is_transparent = void;
-    template <typename Text>
-    size_t operator()(const Text& text) const noexcept {
-      return std::hash<std::string_view>()(view(text));
+  /// The text's slot, a free one, or one to take away.
+  Slot& slot_for(const char* text, uint32_t hash) {
+    const size_t mask = slots_.size() - 1;
+    for (size_t step = 0; step < kMostSteps; ++step) {
+      Slot& slot = slots_[(hash + step) & mask];
+      if (slot.hash == kFree) return slot;
+      if (slot.hash == hash && std::strcmp(slot.text.c_str(), text) == 0) return slot;
     }
-  };
-  struct Equal {
-    using is_transparent = void;
-    template <typename A, typename B>
-    bool operator()(const A& a, const B& b) const noexcept {
-      return view(a) == view(b);
-    }
-  };
+    return slots_[hash & mask];
+  }
 
-  std::unordered_set<String, Hash, Equal> texts_;
+  void grow() {
+    std::vector<Slot> old(std::max(kFirstSlots, 2 * slots_.size()), Slot{none_});
+    old.swap(slots_);
+    count_ = 0;
+    for (Slot& slot : old) {
+      if (slot.hash == kFree) continue;
+      Slot& place = slot_for(slot.text.c_str(), slot.hash);
+      if (place.hash == kFree) ++count_;
+      place = slot;
+    }
+  }
+
+  const String none_;
+  /// As many as a power of two.
+  std::vector<Slot> slots_;
+  size_t count_ = 0;
 };
 
 /// The columns that a query can ask for, in the order of their names.
@@ -82,8 +107,11 @@ std::vector<const Column*> asked_columns(const Table& table) {
 
 String row_query(const std::vector<const Column*>& asked, const String& table) {
   String list;
-  for (const Column* column : asked)
-    list.appendf(list.empty() ? "`%s`" : ",`%s`", column->name);
+  for (const Column* column : asked) {
+    list.append(list.empty() ? "`" : ",`");
+    list.append(column->name);
+    list.append('`');
+  }
   return String::formatted("select %#s from `%s`", list, table);
 }
 
@@ -97,6 +125,7 @@ class DatabaseReader {
 
  private:
   std::unique_ptr<InstallerView> view(const String& query);
+  const String& name_at(InstallerRecord& record, unsigned field);
   void read_cell(InstallerRecord& record, unsigned field, ColumnType type, Cell& cell);
 
   InstallerDatabase& database_;
@@ -109,13 +138,19 @@ std::unique_ptr<InstallerView> DatabaseReader::view(const String& query) {
   return view;
 }
 
+const String& DatabaseReader::name_at(InstallerRecord& record, unsigned field) {
+  char buffer[kTextRoom] = {};
+  check(record.text(field, buffer, sizeof buffer));
+  return pool_.text(buffer);
+}
+
 void DatabaseReader::read_names(DatabaseContent::Schemas& schemas) {
   const ORLO::ExceptionContext context("reading the names of the tables");
   const auto tables = view("select `Name` from `_Tables`");
   std::unique_ptr<InstallerRecord> record;
   InstallerStatus status = kInstallerSuccess;
   while ((status = tables->fetch(record)) == kInstallerSuccess) {
-    schemas.try_emplace(name_at<kTextRoom>(*record, 1));
+    schemas.try_emplace(name_at(*record, 1));
   }
   if (status != kInstallerNoMoreItems) throw ORLO::SDKException(status);
 }
@@ -130,13 +165,14 @@ void DatabaseReader::read_columns(const String& name, Table& schema) {
   check(all->column_info(ColumnInfo::types, types));
   const int count = names->field_count();
   if (count == -1) throw ORLO::LWE();
-  schema.addColumn(kRowId, ColumnType::integer, true);
+  schema.addColumn(pool_.text(kRowId), ColumnType::integer, true);
   for (int i = 1; i <= count; ++i) {
     const auto field = static_cast<unsigned>(i);
-    const String column = name_at<kTextRoom>(*names, field);
-    const ColumnType type = type_of(name_at<kTypeRoom>(*types, field));
+    const String column = name_at(*names, field);
+    char type[kTypeRoom] = {};
+    check(types->text(field, type, sizeof type));
     // The number stays the key: without it one row would replace the other.
-    if (ORLO::compare_bytes(column, kRowId) != 0) schema.addColumn(column, type);
+    if (ORLO::compare_bytes(column, kRowId) != 0) schema.addColumn(column, type_of(type));
   }
 }
 
@@ -146,18 +182,20 @@ void DatabaseReader::read_rows(const String& name, Table& table) {
   const ORLO::ExceptionContext context("reading the rows of a table", name);
   const auto rows = view(row_query(asked, name));
   const auto number_cell = static_cast<size_t>(table.column(kRowId).index);
-  const Cell empty{pool_.text({})};
-  Row row;
+  Row blank;
+  blank.cells.assign(table.column_count(), Cell{pool_.text("")});
+  const ORLO::Lock hold(table.lock);
   std::unique_ptr<InstallerRecord> record;
   for (int32_t number = 1; rows->fetch(record) == kInstallerSuccess; ++number) {
-    row.cells.assign(table.column_count(), empty);
+    Row row = blank;
     row.cells[number_cell].text = pool_.decimal(number);
     row.cells[number_cell].set_integer(number);
     unsigned field = 0;
     for (const Column* column : asked) {
       read_cell(*record, ++field, column->type, row.cells[static_cast<size_t>(column->index)]);
     }
-    table.addRow(row);
+    RowKey key = table.key_of(row);
+    table.rows.try_emplace(std::move(key), std::move(row));
   }
 }
 
