@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstring>
+#include <iterator>
 #include <string_view>
 #include <vector>
 
@@ -185,6 +186,7 @@ void DatabaseReader::read_rows(const String& name, Table& table) {
   Row blank;
   blank.cells.assign(table.column_count(), Cell{pool_.text("")});
   const ORLO::Lock hold(table.lock);
+  auto next = table.rows.end();
   std::unique_ptr<InstallerRecord> record;
   for (int32_t number = 1; rows->fetch(record) == kInstallerSuccess; ++number) {
     Row row = blank;
@@ -194,8 +196,9 @@ void DatabaseReader::read_rows(const String& name, Table& table) {
     for (const Column* column : asked) {
       read_cell(*record, ++field, column->type, row.cells[static_cast<size_t>(column->index)]);
     }
-    RowKey key = table.key_of(row);
-    table.rows.try_emplace(std::move(key), std::move(row));
+    RowKey key{{row.cells[number_cell].text}};
+    // Nine times out of ten the next number stands just after this one.
+    next = std::next(table.rows.emplace_hint(next, std::move(key), std::move(row)));
   }
 }
 

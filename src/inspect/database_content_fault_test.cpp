@@ -264,15 +264,45 @@ TEST_F(DatabaseContentFaultTest, ReadsAThousandTables) {
 }
 
 TEST_F(DatabaseContentFaultTest, ReadsAHundredThousandRows) {
-  Memory::Table& big = add("Big", {{"A", "s8"}, {"B", "i4"}});
+  Memory::Table& big = add("Big", {{"A", "s8"}, {"B", "i4"}, {"C", "s8"}});
   for (int i = 1; i <= 100000; ++i)
-    big.rows.push_back({"text " + std::to_string(i), i});
-  DatabaseContent content;
-  content.load(memory_, kPath);
-  const auto& rows = content.tables().at("Big")->rows;
+    big.rows.push_back({"text " + std::to_string(i), i, "same"});
+  content_.load(memory_, kPath);
+  const auto& rows = content_.tables().at("Big")->rows;
   ASSERT_EQ(rows.size(), 100000U);
-  EXPECT_STREQ(rows.at(RowKey{{"100000"}}).cells[1].text.c_str(), "text 100000");
-  EXPECT_EQ(rows.at(RowKey{{"99999"}}).cells[2].integer(), 99999);
+  const String& same = rows.at(RowKey{{"1"}}).cells[3].text;
+  for (const auto& [key, row] : rows) {
+    const std::string number = key.texts[0].c_str();
+    ASSERT_EQ("text " + number, row.cells[1].text.c_str());
+    ASSERT_EQ(number, row.cells[2].text.c_str());
+    ASSERT_EQ(std::to_string(row.cells[2].integer()), number);
+    ASSERT_EQ(row.cells[0].integer(), row.cells[2].integer());
+    ASSERT_TRUE(row.cells[3].text.shares_block_with(same));
+  }
+}
+
+/// The hash by which equal texts are found.
+uint32_t fnv(const std::string& text) {
+  uint32_t hash = 2166136261U;
+  for (const char character : text)
+    hash = (hash ^ static_cast<unsigned char>(character)) * 16777619U;
+  return hash;
+}
+
+TEST_F(DatabaseContentFaultTest, TellsTextsApartThatHashAlike) {
+  Memory::Table& alike = add("Alike", {{"Text", "s0"}});
+  for (const char* text : {"costarring", "liquid", "declinate", "macallums", "costarring"})
+    alike.rows.push_back({text});
+  ASSERT_EQ(fnv("costarring"), fnv("liquid"));
+  for (int i = 0; alike.rows.size() < 200; ++i) {
+    const std::string text = std::to_string(i) + "x";
+    if (fnv(text) % 2048 == 7) alike.rows.push_back({text});
+  }
+  content_.load(memory_, kPath);
+  for (size_t i = 0; i < alike.rows.size(); ++i) {
+    const Row& row = content_.tables().at("Alike")->rows.at(RowKey{{std::to_string(i + 1)}});
+    EXPECT_EQ(std::get<std::string>(alike.rows[i][0]), row.cells[1].text.c_str());
+  }
 }
 
 TEST_F(DatabaseContentFaultTest, ReadsThreeHundredColumns) {
