@@ -45,8 +45,8 @@ class TextPool {
     return slot.text;
   }
   const String& decimal(int32_t number) {
-    char digits[16];
-    *std::to_chars(digits, digits + sizeof digits - 1, number).ptr = '\0';
+    char digits[16] = {};
+    std::to_chars(digits, digits + sizeof digits - 1, number);
     return text(digits);
   }
 
