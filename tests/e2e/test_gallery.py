@@ -2,6 +2,7 @@
 
 import contextlib
 import itertools
+import time
 
 import pytest
 
@@ -11,11 +12,12 @@ from support.program import DriverError, eventually
 LOG, CURSOR = 300, 301
 PAD, DOUBLE_PAD, BAD_PAD = 310, 311, 312
 (NOTE_DEMO, LINKS_DEMO, ROWS_DEMO, WAIT_DEMO, GO_DEMO, FILE_DEMO, FAIL_DEMO, BAD_PAINT_DEMO,
- OBJECT_DEMO) = range(200, 209)
+ OBJECT_DEMO, CROWD_DEMO) = range(200, 210)
 
 NOTE, SWATCHES, COLOURED, FRAME_ABOUT, FRAME_CLOSE = 10, 11, 12, 0x8000, 0x8001
 TEXT_LINK, STRING_LINK, BROKEN_LINK, GREY_BUTTON = 1011, 1012, 1013, 20
 ROWS, ADD, ADD_FAILING = 40, 41, 42
+NAMES, CELLS, TREE = 50, 51, 52
 OK, CANCEL = 1, 2
 
 PAD_COLOUR, PRESSED_COLOUR = (40, 160, 90), (200, 120, 20)
@@ -508,3 +510,49 @@ def test_a_failing_paint_is_reported_once_and_not_repeated(gallery):
     gallery.wait_for("pad press")
     assert gallery.lines() == ["paint fails", "pad press"]
     assert not gallery.dialogs()
+
+
+# What the driver reads of controls with much in them.
+
+@pytest.fixture
+def crowd(gallery):
+    return gallery.open(CROWD_DEMO, "Crowd")
+
+
+def test_a_list_box_is_read_and_a_click_chooses_an_item_wherever_it_stands(gallery, crowd):
+    box = crowd.ask("list-box", NAMES)
+    assert box == {"selected": -1, "items": [f"name {n:03d}" for n in range(1, 301)]}
+    for index in (299, 0, 150):
+        left, top, right, bottom = crowd.ask("list-box-rect", NAMES, index)["screen"]
+        crowd.activate()
+        # A second click at the very same place would count as a double click.
+        gallery.screen.click((left + right) // 2 + index // 10, (top + bottom) // 2)
+        gallery.wait_for(f"name {index}")
+        assert crowd.ask("list-box", NAMES)["selected"] == index
+    with pytest.raises(DriverError, match="no such item"):
+        crowd.ask("list-box-rect", NAMES, 300)
+
+
+def test_the_cells_of_a_long_list_are_read_whole_and_quickly(crowd):
+    start = time.monotonic()
+    rows = crowd.ask("list-cells", CELLS)
+    # A message for each cell would take half a minute.
+    assert time.monotonic() - start < 10
+    assert len(rows) == 20000
+    assert rows[1] == ["row 1", "same", "x" * 5000]
+    del rows[1]
+    assert rows == [[f"row {n}", "same", ""] for n in range(20000) if n != 1]
+    columns = crowd.ask("list-columns", CELLS)
+    assert [(column["title"], column["width"], column["align"]) for column in columns] == [
+        ("Column 0", 60, "left"), ("Column 1", 70, "right"), ("Column 2", 80, "left")]
+
+
+def test_a_tree_is_read_from_the_top_with_what_is_hidden_in_it(crowd):
+    def item(text, depth, parent, image, **flags):
+        return {"text": text, "depth": depth, "parent": parent, "image": image,
+                "selected_image": image, "expanded": False, "selected": False, **flags}
+
+    assert crowd.ask("tree", TREE) == [
+        item("Roots", 0, -1, 1, expanded=True), item("Tap root", 1, 0, 2),
+        item("Hair", 2, 1, 1), item("Runner", 1, 0, 2, selected=True),
+        item("K\u00e4hne", 0, -1, 0)]

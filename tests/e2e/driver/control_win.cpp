@@ -81,10 +81,27 @@ void select_in_combo(const Words& words, Json& answer) {
                              reinterpret_cast<LPARAM>(combo)));
 }
 
+/// list-box-rect DIALOG ID INDEX: where an item stands on the screen, scrolled to where it can be
+/// clicked.
+void list_box_rect(const Words& words, Json& answer) {
+  const HWND box = control_of(words);
+  const auto index = static_cast<WPARAM>(words.number(3));
+  RECT rect{};
+  // The system carries this message's record across processes itself.
+  if (send_limited(box, LB_SETTOPINDEX, index, 0) == LB_ERR ||
+      send_limited(box, LB_GETITEMRECT, index, as_lparam(&rect)) == LB_ERR) {
+    throw Refusal("the list box has no such item");
+  }
+  MapWindowPoints(box, nullptr, reinterpret_cast<POINT*>(&rect), 2);
+  answer.begin_object();
+  write_rect(answer, "screen", rect);
+  answer.end_object();
+}
+
 constexpr Command kCommands[] = {
     {"control", show_control}, {"controls", list_controls},       {"text", read_text},
     {"set-text", set_text},    {"checked", is_checked},           {"check", check},
-    {"command", send_command}, {"combo-select", select_in_combo},
+    {"command", send_command}, {"combo-select", select_in_combo}, {"list-box-rect", list_box_rect},
 };
 
 }  // namespace

@@ -13,7 +13,17 @@ inline constexpr char kProbeEntry[] = "zolvane_probe";
 /// The window class of open popup menus.
 inline constexpr char kPopupClass[] = "#32768";
 
-enum class ProbeQuestion : uint32_t { menu, system_menu, text_extents, dialog_units, combo, popup };
+enum class ProbeQuestion : uint32_t {
+  menu,
+  system_menu,
+  text_extents,
+  dialog_units,
+  combo,
+  popup,
+  list_box,
+  list_cells,
+  tree
+};
 
 struct ProbeRequest {
   ProbeQuestion question;
@@ -21,10 +31,10 @@ struct ProbeRequest {
   /// What else the question needs: two lengths, or a control's id in the first.
   int32_t first;
   int32_t second;
-  /// Set by the probe: the answer fitted.
-  uint32_t answered;
-  /// JSON with its NUL.
-  char answer[128 * 1024];
+  /// Set by the probe: where in the program the JSON lies, and its length. It has been allocated by
+  /// VirtualAlloc and belongs to the driver.
+  uint32_t answer;
+  uint32_t length;
 };
 
 }  // namespace driver

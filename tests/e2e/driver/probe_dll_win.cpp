@@ -1,5 +1,7 @@
 #include <windows.h>
 
+#include <commctrl.h>
+
 #include <cstring>
 #include <memory>
 #include <string>
@@ -9,6 +11,9 @@
 
 namespace driver {
 namespace {
+
+// Longer than any text of a list view.
+constexpr size_t kCellLimit = 16 * 1024;
 
 /// Has the program bring a popup's items up to date, as it does when the user opens it.
 void announce_popup(HWND window, HMENU popup, int position, bool is_system_menu) {
@@ -128,8 +133,152 @@ void write_combo(Json& answer, HWND combo) {
   answer.end_array().end_object();
 }
 
+void write_list_box(Json& answer, HWND box) {
+  const LRESULT count = SendMessageA(box, LB_GETCOUNT, 0, 0);
+  answer.begin_object().member("selected", SendMessageA(box, LB_GETCURSEL, 0, 0));
+  answer.key("items").begin_array();
+  for (LRESULT i = 0; i < count; ++i) {
+    const auto index = static_cast<WPARAM>(i);
+    // Of a text that is kept as wide characters this is more than its bytes.
+    std::string text(static_cast<size_t>(SendMessageA(box, LB_GETTEXTLEN, index, 0)) + 1, 0);
+    SendMessageA(box, LB_GETTEXT, index, reinterpret_cast<LPARAM>(text.data()));
+    answer.text(text.c_str());
+  }
+  answer.end_array().end_object();
+}
+
+void write_list_cells(Json& answer, HWND list) {
+  const auto header = reinterpret_cast<HWND>(SendMessageA(list, LVM_GETHEADER, 0, 0));
+  const auto columns = static_cast<int>(SendMessageA(header, HDM_GETITEMCOUNT, 0, 0));
+  const LRESULT rows = SendMessageA(list, LVM_GETITEMCOUNT, 0, 0);
+  std::string text(kCellLimit, 0);
+  answer.begin_array();
+  for (LRESULT row = 0; row < rows; ++row) {
+    answer.begin_array();
+    for (int column = 0; column < columns; ++column) {
+      LVITEMA item{};
+      item.iSubItem = column;
+      item.pszText = text.data();
+      item.cchTextMax = static_cast<int>(kCellLimit);
+      SendMessageA(list, LVM_GETITEMTEXTA, static_cast<WPARAM>(row),
+                   reinterpret_cast<LPARAM>(&item));
+      answer.text(text.c_str());
+    }
+    answer.end_array();
+  }
+  answer.end_array();
+}
+
+/// A tree on its way into an answer.
+class TreeWriter {
+ public:
+  TreeWriter(Json& answer, HWND tree) : answer_(answer), tree_(tree) {}
+
+  void write() {
+    answer_.begin_array();
+    write_children(next(TVGN_ROOT, nullptr), -1, 0);
+    answer_.end_array();
+  }
+
+ private:
+  HTREEITEM next(WPARAM which, HTREEITEM item) const {
+    return reinterpret_cast<HTREEITEM>(
+        SendMessageA(tree_, TVM_GETNEXTITEM, which, reinterpret_cast<LPARAM>(item)));
+  }
+
+  void write_children(HTREEITEM first, int parent, int depth) {
+    for (HTREEITEM item = first; item != nullptr; item = next(TVGN_NEXT, item)) {
+      const int place = count_++;
+      write_item(item, parent, depth);
+      write_children(next(TVGN_CHILD, item), place, depth + 1);
+    }
+  }
+
+  void write_item(HTREEITEM item, int parent, int depth) {
+    char text[kTreeLimit] = "";
+    TVITEMA about{};
+    about.mask = TVIF_TEXT | TVIF_IMAGE | TVIF_SELECTEDIMAGE | TVIF_STATE;
+    about.hItem = item;
+    about.stateMask = TVIS_EXPANDED | TVIS_SELECTED;
+    about.pszText = text;
+    about.cchTextMax = sizeof text;
+    SendMessageA(tree_, TVM_GETITEMA, 0, reinterpret_cast<LPARAM>(&about));
+    answer_.begin_object().member("text", text).member("depth", depth).member("parent", parent);
+    answer_.member("image", about.iImage).member("selected_image", about.iSelectedImage);
+    answer_.flag("expanded", (about.state & TVIS_EXPANDED) != 0);
+    answer_.flag("selected", (about.state & TVIS_SELECTED) != 0).end_object();
+  }
+
+  static constexpr int kTreeLimit = 512;
+
+  Json& answer_;
+  HWND tree_;
+  int count_ = 0;
+};
+
+/// Has another thread of the program, that of a window, run a function: a message from one thread
+/// to another costs as much as a thousand of a thread to itself.
+class InThreadOf {
+ public:
+  using Function = void (*)(Json& answer, HWND window);
+
+  InThreadOf(HWND window, Function function, Json& answer)
+      : window_(window), function_(function), answer_(answer) {}
+
+  void run() {
+    current_ = this;
+    hook_ = SetWindowsHookExA(WH_CALLWNDPROC, meet, nullptr,
+                              GetWindowThreadProcessId(window_, nullptr));
+    SendMessageA(window_, kMessage, 0, 0);
+    release();
+    current_ = nullptr;
+  }
+
+ private:
+  static LRESULT CALLBACK meet(int code, WPARAM wparam, LPARAM lparam) {
+    const auto& message = *reinterpret_cast<const CWPSTRUCT*>(lparam);
+    if (code != HC_ACTION || message.message != kMessage || message.hwnd != current_->window_) {
+      return CallNextHookEx(nullptr, code, wparam, lparam);
+    }
+    // Every message would go by way of the hook, and be slow again.
+    current_->release();
+    current_->function_(current_->answer_, current_->window_);
+    return 0;
+  }
+
+  void release() {
+    if (hook_ != nullptr) UnhookWindowsHookEx(hook_);
+    hook_ = nullptr;
+  }
+
+  // One that no control knows.
+  static constexpr UINT kMessage = WM_APP + 0x3A7E;
+  // The hook has nothing else to know it by. The driver asks one question at a time.
+  static inline InThreadOf* current_ = nullptr;
+
+  HWND window_;
+  Function function_;
+  Json& answer_;
+  HHOOK hook_ = nullptr;
+};
+
+void write_tree(Json& answer, HWND tree) {
+  TreeWriter(answer, tree).write();
+}
+
+/// Into memory of its own, which the driver frees.
+void hand_over(const std::string& text, ProbeRequest& request) {
+  void* const memory =
+      VirtualAlloc(nullptr, text.size() + 1, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
+  if (memory == nullptr) return;
+  std::memcpy(memory, text.c_str(), text.size() + 1);
+  request.answer = static_cast<uint32_t>(reinterpret_cast<uintptr_t>(memory));
+  request.length = static_cast<uint32_t>(text.size());
+}
+
 void answer_request(ProbeRequest& request) {
   const auto window = reinterpret_cast<HWND>(static_cast<uintptr_t>(request.window));
+  const HWND control = GetDlgItem(window, request.first);
   Json answer;
   switch (request.question) {
     case ProbeQuestion::menu:
@@ -148,12 +297,19 @@ void answer_request(ProbeRequest& request) {
       write_popup(answer, window);
       break;
     case ProbeQuestion::combo:
-      write_combo(answer, GetDlgItem(window, request.first));
+      write_combo(answer, control);
+      break;
+    case ProbeQuestion::list_box:
+      InThreadOf(control, write_list_box, answer).run();
+      break;
+    case ProbeQuestion::list_cells:
+      InThreadOf(control, write_list_cells, answer).run();
+      break;
+    case ProbeQuestion::tree:
+      InThreadOf(control, write_tree, answer).run();
       break;
   }
-  if (answer.str().size() >= sizeof request.answer) return;
-  std::memcpy(request.answer, answer.str().c_str(), answer.str().size() + 1);
-  request.answered = 1;
+  if (!answer.str().empty()) hand_over(answer.str(), request);
 }
 
 }  // namespace

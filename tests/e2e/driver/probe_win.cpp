@@ -71,16 +71,26 @@ void ask(const Words& words, ProbeQuestion question, Json& answer) {
   const HWND window = window_at(words, 1);
   const KernelHandle process = open_process_of(window);
   const RemoteBlock block(process.get(), sizeof(ProbeRequest));
-  const auto request = std::make_unique<ProbeRequest>();
-  request->question = question;
-  request->window = static_cast<uint32_t>(handle_number(window));
-  request->first = static_cast<int32_t>(words.number_or(2, 0));
-  request->second = static_cast<int32_t>(words.number_or(3, 0));
-  block.write(request.get(), sizeof *request);
+  ProbeRequest request{};
+  request.question = question;
+  request.window = static_cast<uint32_t>(handle_number(window));
+  request.first = static_cast<int32_t>(words.number_or(2, 0));
+  request.second = static_cast<int32_t>(words.number_or(3, 0));
+  block.write(&request, sizeof request);
   run_thread(process.get(), load_probe(process.get()), block.address());
-  block.read(request.get(), sizeof *request);
-  if (request->answered == 0) throw Refusal("the probe's answer is too long");
-  answer.raw(request->answer);
+  block.read(&request, sizeof request);
+  if (request.answer == 0) throw Refusal("the probe has no answer");
+  const RemoteBlock written(process.get(),
+                            reinterpret_cast<char*>(static_cast<uintptr_t>(request.answer)));
+  std::string text(request.length, '\0');
+  written.read(text.data(), text.size());
+  answer.raw(text);
+}
+
+/// About a control, word 2, that has to be there.
+void ask_of_control(const Words& words, ProbeQuestion question, Json& answer) {
+  control_of(words);
+  ask(words, question, answer);
 }
 
 /// menu WINDOW: the items of its menu bar, each popup brought up to date by the program.
@@ -105,8 +115,23 @@ void map_units(const Words& words, Json& answer) {
 
 /// combo DIALOG ID: its items and the selected index.
 void read_combo(const Words& words, Json& answer) {
-  control_of(words);
-  ask(words, ProbeQuestion::combo, answer);
+  ask_of_control(words, ProbeQuestion::combo, answer);
+}
+
+/// list-box DIALOG ID: its items and the selected index.
+void read_list_box(const Words& words, Json& answer) {
+  ask_of_control(words, ProbeQuestion::list_box, answer);
+}
+
+/// list-cells DIALOG ID: the texts of every row from the top, whole and quickly.
+void read_list_cells(const Words& words, Json& answer) {
+  ask_of_control(words, ProbeQuestion::list_cells, answer);
+}
+
+/// tree DIALOG ID: its items from the top, whether they can be seen or not, each with its depth,
+/// the place of its parent (-1 for none), its images and whether it is expanded.
+void read_tree(const Words& words, Json& answer) {
+  ask_of_control(words, ProbeQuestion::tree, answer);
 }
 
 /// popup WINDOW: the items of the popup menu that its program has open; refused if there is none.
@@ -120,7 +145,10 @@ constexpr Command kCommands[] = {{"menu", read_menu},
                                  {"text-extents", read_extents},
                                  {"dialog-units", map_units},
                                  {"combo", read_combo},
-                                 {"popup", read_popup}};
+                                 {"popup", read_popup},
+                                 {"list-box", read_list_box},
+                                 {"list-cells", read_list_cells},
+                                 {"tree", read_tree}};
 
 }  // namespace
 

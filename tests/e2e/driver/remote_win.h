@@ -23,6 +23,8 @@ class RemoteBlock {
  public:
   /// `process` has to outlive the block.
   RemoteBlock(HANDLE process, size_t size);
+  /// Takes over a block that was allocated there.
+  RemoteBlock(HANDLE process, char* address) : process_(process), address_(address) {}
   ~RemoteBlock();
   RemoteBlock(const RemoteBlock&) = delete;
   RemoteBlock& operator=(const RemoteBlock&) = delete;

@@ -11,5 +11,7 @@ void show_note(HWND owner, const Log& log);
 void show_links(HWND owner, const Log& log);
 /// Modal: rows that are filled when they are shown, sorting.
 void show_list(HWND owner, const Log& log);
+/// Modal: controls of the system with much in them.
+void show_crowd(HWND owner, const Log& log);
 
 }  // namespace gallery

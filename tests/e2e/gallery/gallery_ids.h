@@ -2,6 +2,7 @@
 #define IDD_NOTE 100
 #define IDD_LINKS 101
 #define IDD_LIST 102
+#define IDD_CROWD 103
 
 /* Note dialog */
 #define IDC_NOTE 10
@@ -21,6 +22,11 @@
 #define IDC_LIST 40
 #define IDC_ADD 41
 #define IDC_FAILING_ADD 42
+
+/* Crowd dialog */
+#define IDC_NAMES 50
+#define IDC_CELLS 51
+#define IDC_TREE 52
 
 /* Main window */
 #define IDC_FIRST_DEMO 200

@@ -31,6 +31,7 @@ class GalleryWindow : public ORLO::Controller {
   void show_modal_note();
   void show_modeless_links();
   void show_rows();
+  void show_many();
   void wait();
   void go_on();
   void ask_file_name();

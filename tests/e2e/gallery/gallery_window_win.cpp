@@ -47,6 +47,7 @@ const GalleryWindow::Demo GalleryWindow::kDemos[] = {
     {"Fail", &GalleryWindow::fail},
     {"Bad paint", &GalleryWindow::paint_badly},
     {"Object", &GalleryWindow::toggle_object},
+    {"Crowd", &GalleryWindow::show_many},
 };
 
 GalleryWindow::GalleryWindow(HWND window)
@@ -138,6 +139,10 @@ void GalleryWindow::show_modeless_links() {
 
 void GalleryWindow::show_rows() {
   show_list(_hwnd, log_);
+}
+
+void GalleryWindow::show_many() {
+  show_crowd(_hwnd, log_);
 }
 
 void GalleryWindow::wait() {
