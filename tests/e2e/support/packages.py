@@ -113,3 +113,27 @@ def product_icon(desk, package):
 def installed_order(desk):
     """The packed codes in the order in which the system enumerates them."""
     return [key["name"] for key in keys_at(desk, HKLM64, CLASSES)]
+
+
+def register(desk, code, name, date, local_package=None):
+    """A product as an installation notes it, without one: its row is named and dated so, and tells
+    of its package where there is one. A date far from the key's last write stays as it is told."""
+    put(desk, HKLM32, f"Software\\{UNINSTALL}\\{code}",
+        {"DisplayName": name, "InstallDate": date, "WindowsInstaller": 1})
+    if local_package is None:
+        return
+    put(desk, HKLM64, f"{CLASSES}\\{packed(code)}", {"ProductName": name})
+    put(desk, HKLM64, f"{MACHINE}\\Products\\{packed(code)}\\InstallProperties",
+        {"WindowsInstaller": 1, "DisplayName": name, "LocalPackage": local_package})
+
+
+def numbered_code(number):
+    return f"{{0F1C0DE5-0000-4000-8000-{number:012X}}}"
+
+
+def seed_patch(desk, code, key, values, local_package=None):
+    """A patch of a product, with what the installer notes of it."""
+    user = f"{INSTALLER}\\UserData\\S-1-5-18"
+    put(desk, HKLM32, f"{user}\\Products\\{packed(code)}\\Patches\\{key}", values)
+    if local_package is not None:
+        put(desk, HKLM32, f"{user}\\Patches\\{key}", {"LocalPackage": local_package})
