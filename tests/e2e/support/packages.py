@@ -63,13 +63,13 @@ def run_installer(desk, *arguments):
                    stderr=subprocess.DEVNULL)
 
 
-def install(desk, package):
+def install(desk, package, *properties):
     """Builds the package and installs it for all users, with its features."""
     file = desk.prefix.folder / "drive_c" / f"{package.source}.msi"
     subprocess.run(["wixl", "-o", str(file), f"{package.source}.wxs"], cwd=SOURCES, check=True,
                    timeout=60)
     seed_features(desk, package)
-    run_installer(desk, "/i", f"C:\\{package.source}.msi", "ALLUSERS=1")
+    run_installer(desk, "/i", f"C:\\{package.source}.msi", "ALLUSERS=1", *properties)
 
 
 def seed_features(desk, package):
@@ -137,3 +137,9 @@ def seed_patch(desk, code, key, values, local_package=None):
     put(desk, HKLM32, f"{user}\\Products\\{packed(code)}\\Patches\\{key}", values)
     if local_package is not None:
         put(desk, HKLM32, f"{user}\\Patches\\{key}", {"LocalPackage": local_package})
+
+
+def unregister(desk, code):
+    delete(desk, HKLM64, f"{CLASSES}\\{packed(code)}")
+    delete(desk, HKLM64, f"{MACHINE}\\Products\\{packed(code)}")
+    delete(desk, HKLM32, f"Software\\{UNINSTALL}\\{code}")
