@@ -15,6 +15,7 @@ from support.program import LIST, REFRESH, STATUS, eventually
 from support.registry import UNINSTALL
 from support.screen import Screen
 from support.sources import HKLM32, delete, put
+from support.watching import shows_by_itself
 from support.window import OK, Window
 
 LOCALES = {"english": ENGLISH, "german": GERMAN}
@@ -31,7 +32,8 @@ BROKEN = {
     "No such drive": "Q:\\nowhere\\gone.msi",
 }
 DATE = "20010203"
-ORCHARD_CODE, GARDEN_CODE = numbered_code(100), numbered_code(101)
+ORCHARD_CODE, GARDEN_CODE, PASSING_CODE = (numbered_code(number) for number in (100, 101, 200))
+NEWCOMER = f"Software\\{UNINSTALL}\\Newcomer"
 
 # Keys in another order than their dates.
 PATCHES_OF_ORCHARD = {
@@ -44,7 +46,6 @@ PATCHES_OF_ORCHARD = {
     "D" * 32: {"DisplayName": "No date", "State": 8, "Uninstallable": 1},
     "F" * 32: {"DisplayName": "K\u00e4fer patch", "Installed": "20130102", "State": 4},
 }
-ORDER = "DBCEAF"
 STATES = {
     "english": {0: "broken", 1: "applied", 2: "superseded", 4: "obsoleted", 8: "registered"},
     "german": {0: "defekt", 1: "installiert", 2: "\u00fcberschrieben", 4: "veraltet",
@@ -90,6 +91,21 @@ def window(request, desk):
     made.wait_filled(COUNT)
     yield made
     desk.end_programs()
+    delete(desk, HKLM32, NEWCOMER)
+    packages.unregister(desk, PASSING_CODE)
+
+
+def refresh(window, count):
+    window.program.ask("set-text", STATUS, "")
+    window.program.ask("command", REFRESH)
+    window.wait_filled(count)
+
+
+def wait_for_count(window, count):
+    """Until it shows so many packages by itself."""
+    shows_by_itself(window.desk, "local",
+                    lambda: window.program.status() == window.status_of(count),
+                    lambda: f"{count} packages, not {window.program.status()}")
 
 
 both_languages = pytest.mark.parametrize("window", ["english", "german"], indirect=True)
@@ -139,18 +155,32 @@ def test_a_product_without_features_shows_an_empty_tree(window):
     assert window.program.close() == 0
 
 
+def patch_row(key, language, picture):
+    values = PATCHES_OF_ORCHARD[key]
+    date, state = values.get("Installed"), values["State"]
+    return [key, values["DisplayName"], PATCH_PACKAGE if key[0] == "C" else "",
+            "" if date is None else dates.shown(dates.parse(date), picture),
+            STATES[language].get(state, str(state)),
+            "yes" if values.get("Uninstallable") else "no"]
+
+
 def patch_rows(desk, language):
+    """Each goes up from the end past the rows whose shown date is a later one. Where shown dates
+    can't be read back, as 5.5.2012, the rows stay in the order of their keys."""
     picture = desk.driver("short-date")
     rows = []
-    for letter in ORDER:
-        values = PATCHES_OF_ORCHARD[letter * 32]
-        date = values.get("Installed")
-        state = values["State"]
-        rows.append([letter * 32, values["DisplayName"], PATCH_PACKAGE if letter == "C" else "",
-                     "" if date is None else dates.shown(dates.parse(date), picture),
-                     STATES[language].get(state, str(state)),
-                     "yes" if values.get("Uninstallable") else "no"])
+    for key in sorted(PATCHES_OF_ORCHARD):
+        row = patch_row(key, language, picture)
+        place = 0 if row[3] == "" else len(rows)
+        own = PATCHES_OF_ORCHARD[key].get("Installed", "")
+        while place > 0 and dates.parse(own) < dates.parse(rows[place - 1][3][:15]):
+            place -= 1
+        rows.insert(place, row)
     return rows
+
+
+def test_dates_that_can_be_read_back_put_patches_in_ascending_order(desk):
+    assert [row[0][0] for row in patch_rows(desk, "english")] == list("DBCEAF")
 
 
 @both_languages
@@ -166,9 +196,7 @@ def test_patches_are_listed_by_date_with_what_is_known_of_them(window, desk):
 def test_a_product_whose_patches_have_gone_shows_six_columns_and_no_rows(window, desk):
     key = "F" * 32
     seed_patch(desk, GARDEN_CODE, key, {"DisplayName": "Passing", "State": 1})
-    window.program.ask("set-text", STATUS, "")
-    window.program.ask("command", REFRESH)
-    window.wait_filled(COUNT)
+    refresh(window, COUNT)
     packages.delete(desk, HKLM32, f"{packages.INSTALLER}\\UserData\\S-1-5-18\\Products"
                     f"\\{packages.packed(GARDEN_CODE)}")
     dialog = inspect(window, PATCHES, GARDEN)
@@ -292,14 +320,11 @@ def test_the_end_of_the_program_closes_the_report_of_a_package_too(window):
 def test_a_refresh_goes_on_beneath_the_dialog(window, desk, command, name, subject, control):
     dialog = inspect(window, command, name, subject)
     before = dialog.ask("tree", TREE) if command == FEATURES else dialog.cells(control)
-    path = f"Software\\{UNINSTALL}\\Newcomer"
-    put(desk, HKLM32, path, {"DisplayName": "Newcomer", "InstallDate": DATE})
-    window.wait_filled(COUNT + 1)
-    window.program.ask("set-text", STATUS, "")
-    window.program.ask("command", REFRESH)
-    window.wait_filled(COUNT + 1)
-    delete(desk, HKLM32, path)
-    window.wait_filled(COUNT)
+    put(desk, HKLM32, NEWCOMER, {"DisplayName": "Newcomer", "InstallDate": DATE})
+    wait_for_count(window, COUNT + 1)
+    refresh(window, COUNT + 1)
+    delete(desk, HKLM32, NEWCOMER)
+    wait_for_count(window, COUNT)
     after = dialog.ask("tree", TREE) if command == FEATURES else dialog.cells(control)
     assert after == before
     assert not window.program.window()["enabled"]
@@ -310,16 +335,14 @@ def test_a_refresh_goes_on_beneath_the_dialog(window, desk, command, name, subje
 
 
 def test_a_dialog_outlives_the_row_of_its_package(window, desk):
-    code = numbered_code(200)
+    code = PASSING_CODE
     packages.register(desk, code, "Passing", DATE, NUMBERS.path)
-    window.wait_filled(COUNT + 1)
+    wait_for_count(window, COUNT + 1)
     # What else the installer tells of it comes with the next pass.
-    window.program.ask("set-text", STATUS, "")
-    window.program.ask("command", REFRESH)
-    window.wait_filled(COUNT + 1)
+    refresh(window, COUNT + 1)
     dialog = inspect(window, MSI_CONTENT, "Passing", NUMBERS.path)
     packages.unregister(desk, code)
-    window.wait_filled(COUNT)
+    wait_for_count(window, COUNT)
     dialog.show_table("Numbers")
     assert dialog.cells(ROWS) == databases.NUMBERS.shown_rows()
     dialog.close()
@@ -417,6 +440,7 @@ def test_dialogs_grow_with_the_resolution(large_screen, template, language):
             if command == PATCHES:
                 assert [width for _, width, _ in dialog.headings(PATCH_LIST)] == [
                     width * 3 // 2 for _, width in PATCH_HEADINGS[language]]
+                assert dialog.cells(PATCH_LIST) == patch_rows(desk, language)
             dialog.picture(SCREENSHOTS / f"inspect-{kind}-{language}-144-dpi.png")
             size = dialog.frame_size()
             dialog.resize(10, 10)
