@@ -8,9 +8,9 @@
 #include "inventory/reader_test_support.h"
 #include "orlo/dlg_controller.h"
 #include "platform/memory_icons.h"
+#include "platform/memory_installer_database.h"
 #include "platform/memory_registry.h"
 #include "platform/memory_shell.h"
-#include "platform/memory_installer_database.h"
 #include "platform/memory_storage.h"
 #include "platform/resource_ids.h"
 #include "view/uninstall_dlg.h"
@@ -46,9 +46,13 @@ HWND open_window(const Resources& resources, MemoryRegistry& registry, MemorySys
   para.noPersist = true;
   const HWND window = ORLO::Dialog::DoModeless(
       resources.module(), resources.dialog(IDD_MAIN), nullptr, [&](HWND made) {
-        return std::make_unique<UninstallDlg>(
-            made, std::make_unique<UninstallDlgPara>(para), resources,
-            DialogServices{system.over(registry, false), shell, icons, storage, {system.installer, databases}});
+        return std::make_unique<UninstallDlg>(made, std::make_unique<UninstallDlgPara>(para),
+                                              resources,
+                                              DialogServices{system.over(registry, false),
+                                                             shell,
+                                                             icons,
+                                                             storage,
+                                                             {system.installer, databases}});
       });
   SetWindowPos(window, nullptr, 0, 0, kWidth, kHeight, SWP_NOZORDER);
   return window;

@@ -16,9 +16,9 @@
 #include "orlo/window_handles.h"
 #include "orlo/window_helpers.h"
 #include "platform/icons.h"
+#include "platform/memory_installer_database.h"
 #include "platform/memory_registry.h"
 #include "platform/memory_shell.h"
-#include "platform/memory_installer_database.h"
 #include "platform/memory_storage.h"
 #include "platform/resource_ids.h"
 #include "view/later_script_test_support.h"
@@ -138,7 +138,8 @@ class UninstallDlgTest : public testing::Test {
           list = GetDlgItem(made, IDC_LIST);
           return std::make_unique<UninstallDlg>(
               made, std::make_unique<UninstallDlgPara>(para), resources,
-              DialogServices{reader_services(), shell, icons, storage, {inspected_installer, databases}});
+              DialogServices{
+                  reader_services(), shell, icons, storage, {inspected_installer, databases}});
         });
   }
 

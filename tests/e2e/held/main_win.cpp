@@ -244,6 +244,14 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR command_line, int) {
   const auto inspected_installer = make_system_installer();
   const auto databases = make_system_installer_databases();
   return run_program(instance, command_line,
-                     {held_registry, *files, clock, *shell, held_icons, held_installer, held_wmi,
-                      *accounts, *storage, {*inspected_installer, *databases}});
+                     {held_registry,
+                      *files,
+                      clock,
+                      *shell,
+                      held_icons,
+                      held_installer,
+                      held_wmi,
+                      *accounts,
+                      *storage,
+                      {*inspected_installer, *databases}});
 }
