@@ -49,11 +49,20 @@ class TextPool {
     std::to_chars(digits, digits + sizeof digits - 1, number);
     return text(digits);
   }
+  /// The number of a row, as a text; rows are numbered from 1 in each table. The reference holds
+  /// until the next call.
+  const String& row_number(int32_t number) {
+    const auto place = static_cast<size_t>(number - 1);
+    if (place < row_numbers_.size()) return row_numbers_[place];
+    if (place < kKnownNumbers) return row_numbers_.emplace_back(decimal(number));
+    return decimal(number);
+  }
 
  private:
   static constexpr uint32_t kFree = 0;
   static constexpr size_t kFirstSlots = 1024;
   static constexpr size_t kMostSteps = 32;
+  static constexpr size_t kKnownNumbers = 4096;
 
   struct Slot {
     String text;
@@ -92,6 +101,7 @@ class TextPool {
   }
 
   const String none_;
+  std::vector<String> row_numbers_;
   /// As many as a power of two.
   std::vector<Slot> slots_;
   size_t count_ = 0;
@@ -190,13 +200,15 @@ void DatabaseReader::read_rows(const String& name, Table& table) {
   std::unique_ptr<InstallerRecord> record;
   for (int32_t number = 1; rows->fetch(record) == kInstallerSuccess; ++number) {
     Row row = blank;
-    row.cells[number_cell].text = pool_.decimal(number);
+    const String& number_text = pool_.row_number(number);
+    row.cells[number_cell].text = number_text;
     row.cells[number_cell].set_integer(number);
+    RowKey key;
+    key.texts.push_back(number_text);
     unsigned field = 0;
     for (const Column* column : asked) {
       read_cell(*record, ++field, column->type, row.cells[static_cast<size_t>(column->index)]);
     }
-    RowKey key{{row.cells[number_cell].text}};
     // Nine times out of ten the next number stands just after this one.
     next = std::next(table.rows.emplace_hint(next, std::move(key), std::move(row)));
   }

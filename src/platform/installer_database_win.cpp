@@ -4,6 +4,7 @@
 
 #include <msiquery.h>
 
+#include <algorithm>
 #include <cstring>
 #include <optional>
 #include <vector>
@@ -93,18 +94,28 @@ CharacterLength character_length() {
   return GetACP() == CP_UTF8 ? utf8_length : system_length;
 }
 
-/// The buffer's bytes after the text are zero: nothing says that the system ends what it cuts off.
-InstallerStatus read_text(const MsiFunctions& msi, MSIHANDLE record, unsigned field, char* buffer,
-                          size_t room) {
-  if (room == 0) return kInstallerMoreData;
+/// Nothing says that the system ends what it cuts off: the buffer's bytes after it are zero.
+InstallerStatus read_beginning(const MsiFunctions& msi, MSIHANDLE record, unsigned field,
+                               char* buffer, size_t room) {
   std::memset(buffer, 0, room);
   auto length = static_cast<DWORD>(room);
   const InstallerStatus status = msi.text(record, field, buffer, &length);
-  buffer[room - 1] = '\0';
-  if (status == kInstallerMoreData) {
-    const size_t fitting = text_length(buffer, room - 1);
-    buffer[whole_characters(buffer, fitting, character_length())] = '\0';
-  }
+  const size_t fitting = text_length(buffer, room - 1);
+  buffer[whole_characters(buffer, fitting, character_length())] = '\0';
+  return status;
+}
+
+/// Most texts fit, and opening a package reads thousands of them: room is cleared only for one that
+/// doesn't.
+InstallerStatus read_text(const MsiFunctions& msi, MSIHANDLE record, unsigned field, char* buffer,
+                          size_t room) {
+  if (room == 0) return kInstallerMoreData;
+  *buffer = '\0';
+  auto length = static_cast<DWORD>(room);
+  const InstallerStatus status = msi.text(record, field, buffer, &length);
+  if (status == kInstallerMoreData) return read_beginning(msi, record, field, buffer, room);
+  const size_t end = status == kInstallerSuccess ? std::min<size_t>(length, room - 1) : 0;
+  buffer[end] = '\0';
   return status;
 }
 
@@ -155,17 +166,22 @@ class SystemRecord final : public InstallerRecord {
   int field_count() override { return static_cast<int>(msi_.field_count(handle_.get().value)); }
 
   InstallerStatus text(unsigned field, char* buffer, size_t room) override {
-    if (streams_ == nullptr || !streams_->contain(field))
+    if (streams_ == nullptr || !streams_->contain(field)) {
       return read_text(msi_, handle_.get().value, field, buffer, room);
+    }
     if (room > 0) *buffer = '\0';
     return kInstallerTypeMismatch;
   }
 
   int32_t integer(unsigned field) override { return msi_.integer(handle_.get().value, field); }
 
+  /// Whether it is a row of the view that these belong to.
+  bool is_row_of(const StreamColumns& streams) const noexcept { return streams_ == &streams; }
+  void become(OwnedMsiHandle handle) noexcept { handle_ = std::move(handle); }
+
  private:
   const MsiFunctions& msi_;
-  const OwnedMsiHandle handle_;
+  OwnedMsiHandle handle_;
   StreamColumns* const streams_;
 };
 
@@ -176,25 +192,34 @@ class SystemView final : public InstallerView {
 
   InstallerStatus column_info(ColumnInfo kind, std::unique_ptr<InstallerRecord>& record) override {
     const auto info = static_cast<MSICOLINFO>(kind);
-    return take(record, nullptr, [this, info](MSIHANDLE* opened) {
+    OwnedMsiHandle columns;
+    const InstallerStatus status = open_handle(msi_, columns, [this, info](MSIHANDLE* opened) {
       return msi_.column_info(handle_.get().value, info, opened);
     });
+    record.reset();
+    if (columns) record = std::make_unique<SystemRecord>(msi_, std::move(columns), nullptr);
+    return status;
   }
 
   InstallerStatus fetch(std::unique_ptr<InstallerRecord>& record) override {
-    return take(record, &streams_,
-                [this](MSIHANDLE* opened) { return msi_.fetch(handle_.get().value, opened); });
+    OwnedMsiHandle row;
+    const InstallerStatus status = open_handle(
+        msi_, row, [this](MSIHANDLE* opened) { return msi_.fetch(handle_.get().value, opened); });
+    if (!row) {
+      record.reset();
+    } else if (!take_over(record.get(), row)) {
+      record = std::make_unique<SystemRecord>(msi_, std::move(row), &streams_);
+    }
+    return status;
   }
 
  private:
-  template <typename Open>
-  InstallerStatus take(std::unique_ptr<InstallerRecord>& record, StreamColumns* streams,
-                       const Open& open) {
-    record.reset();
-    OwnedMsiHandle handle;
-    const InstallerStatus status = open_handle(msi_, handle, open);
-    if (handle) record = std::make_unique<SystemRecord>(msi_, std::move(handle), streams);
-    return status;
+  /// The last row's record becomes that of the next one.
+  bool take_over(InstallerRecord* record, OwnedMsiHandle& row) const noexcept {
+    auto* const last = dynamic_cast<SystemRecord*>(record);
+    if (last == nullptr || !last->is_row_of(streams_)) return false;
+    last->become(std::move(row));
+    return true;
   }
 
   const MsiFunctions& msi_;
