@@ -33,21 +33,21 @@ ColumnType type_of(const char* installer_type) {
 class TextPool {
  public:
   /// The reference holds until the next call.
-  const String& text(const char* text) {
-    if (*text == '\0') return none_;
+  const String& text(std::string_view text) {
+    if (text.empty()) return none_;
     if (2 * count_ >= slots_.size()) grow();
     const uint32_t hash = hash_of(text);
     Slot& slot = slot_for(text, hash);
-    if (slot.hash == hash && std::strcmp(slot.text.c_str(), text) == 0) return slot.text;
+    if (slot.holds(text, hash)) return slot.text;
     if (slot.hash == kFree) ++count_;
     slot.hash = hash;
-    slot.text = String(text);
+    slot.text = String(text.data(), text.size(), nullptr, 0);
     return slot.text;
   }
   const String& decimal(int32_t number) {
-    char digits[16] = {};
-    std::to_chars(digits, digits + sizeof digits - 1, number);
-    return text(digits);
+    char digits[16];
+    const char* const end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+    return text({digits, static_cast<size_t>(end - digits)});
   }
   /// The number of a row, as a text; rows are numbered from 1 in each table. The reference holds
   /// until the next call.
@@ -67,23 +67,27 @@ class TextPool {
   struct Slot {
     String text;
     uint32_t hash = kFree;
+
+    bool holds(std::string_view other, uint32_t other_hash) const noexcept {
+      return hash == other_hash && text.length() == other.size() &&
+             std::memcmp(text.c_str(), other.data(), other.size()) == 0;
+    }
   };
 
   /// FNV-1a.
-  static uint32_t hash_of(const char* text) noexcept {
+  static uint32_t hash_of(std::string_view text) noexcept {
     uint32_t hash = 2166136261U;
-    for (; *text != '\0'; ++text)
-      hash = (hash ^ static_cast<unsigned char>(*text)) * 16777619U;
+    for (const char character : text)
+      hash = (hash ^ static_cast<unsigned char>(character)) * 16777619U;
     return hash == kFree ? 1 : hash;
   }
 
   /// The text's slot, a free one, or one to take away.
-  Slot& slot_for(const char* text, uint32_t hash) {
+  Slot& slot_for(std::string_view text, uint32_t hash) {
     const size_t mask = slots_.size() - 1;
     for (size_t step = 0; step < kMostSteps; ++step) {
       Slot& slot = slots_[(hash + step) & mask];
-      if (slot.hash == kFree) return slot;
-      if (slot.hash == hash && std::strcmp(slot.text.c_str(), text) == 0) return slot;
+      if (slot.hash == kFree || slot.holds(text, hash)) return slot;
     }
     return slots_[hash & mask];
   }
@@ -94,7 +98,7 @@ class TextPool {
     count_ = 0;
     for (Slot& slot : old) {
       if (slot.hash == kFree) continue;
-      Slot& place = slot_for(slot.text.c_str(), slot.hash);
+      Slot& place = slot_for({slot.text.c_str(), slot.text.length()}, slot.hash);
       if (place.hash == kFree) ++count_;
       place = slot;
     }
