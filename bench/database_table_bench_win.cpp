@@ -20,6 +20,11 @@ constexpr int kRows = 20'000;
 using Databases = MemoryInstallerDatabases;
 using TextRows = std::vector<std::vector<std::string>>;
 
+template <typename... Numbers>
+std::string text(const char* format, Numbers... numbers) {
+  return String::formatted(format, numbers...).c_str();
+}
+
 /// As the table of files of a large package.
 void fill(Databases& databases) {
   Databases::Table table{kTable,
@@ -31,10 +36,9 @@ void fill(Databases& databases) {
                           {"Sequence", "i4"}},
                          {}};
   for (int i = 0; i < kRows; ++i) {
-    const std::string number = std::to_string(i);
-    table.rows.push_back({"file_" + number + "_identifier", "component_" + std::to_string(i / 3),
-                          "LIB" + number + ".DLL|library" + number + ".dll", i * 37,
-                          "1.0." + number + ".0", i + 1});
+    table.rows.push_back({text("file_%d_identifier", i), text("component_%d", i / 3),
+                          text("LIB%05d.DLL|library%05d.dll", i, i), i * 37, text("1.0.%d.0", i),
+                          i + 1});
   }
   databases.add(kPath).tables.push_back(std::move(table));
 }
