@@ -1,6 +1,7 @@
 #include "inspect/msi_content_dlg.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 #include "inspect/dialog_bed_test_support.h"
 #include "orlo/report_test_support.h"
@@ -150,6 +151,88 @@ TEST_P(MSIContentDlgTest, WithoutADatabaseReportsThatAndListsNothing) {
   EXPECT_TRUE(IsWindow(window));
 }
 
+/// Looks at the cursor while a database is opened, and fails as no installer does.
+class ThrowingDatabases : public InstallerDatabases {
+ public:
+  HCURSOR cursor = nullptr;
+
+  InstallerStatus open(const char*, std::unique_ptr<InstallerDatabase>&) override {
+    cursor = GetCursor();
+    throw std::length_error("much too long");
+  }
+};
+
+TEST_P(MSIContentDlgTest, ReportsAnyFailureOnceNothingIsWaitedFor) {
+  const HCURSOR arrow = LoadCursorA(nullptr, IDC_ARROW);
+  SetCursor(arrow);
+  HCURSOR during_report = nullptr;
+  ORLO::TestReports reports;
+  reports.while_open = [&] { during_report = GetCursor(); };
+  ThrowingDatabases failing;
+  open<MSIContentDlg>(IDD_MSI_CONTENT, static_cast<InstallerDatabases&>(failing));
+  EXPECT_EQ(failing.cursor, LoadCursorA(nullptr, IDC_WAIT));
+  EXPECT_EQ(during_report, arrow);
+  ASSERT_EQ(reports.shown.size(), 1u);
+  EXPECT_NE(reports.shown[0].text.find("much too long"), std::string::npos);
+  EXPECT_TRUE(tables().empty());
+  EXPECT_TRUE(IsWindow(window));
+}
+
+TEST_P(MSIContentDlgTest, ClosesTheDatabaseBeforeItReportsAFailure) {
+  add_table("Alpha", {{"Id", "s72"}});
+  databases.fail("open_view select `Id` from `Alpha`", 1627);
+  ORLO::TestReports reports;
+  int open_during_report = -1;
+  reports.while_open = [&] { open_during_report = databases.open_objects(); };
+  show();
+  EXPECT_EQ(open_during_report, 0);
+}
+
+/// What a list view is told while this lives: how it is to be drawn, and of rows and columns.
+class ToldList {
+ public:
+  explicit ToldList(HWND list) : list_(list) {
+    told.clear();
+    waiting = true;
+    previous_ = reinterpret_cast<WNDPROC>(
+        SetWindowLongPtrA(list, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&ToldList::hear)));
+  }
+  ~ToldList() { SetWindowLongPtrA(list_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(previous_)); }
+  ToldList(const ToldList&) = delete;
+  ToldList& operator=(const ToldList&) = delete;
+
+  static inline std::vector<std::string> told;
+  /// Whether each of these found the wait cursor.
+  static inline bool waiting = true;
+
+ private:
+  static LRESULT CALLBACK hear(HWND list, UINT message, WPARAM wparam, LPARAM lparam) {
+    const bool drawing = message == WM_SETREDRAW;
+    const bool emptied = message == LVM_DELETEALLITEMS;
+    const bool filled = message == LVM_INSERTITEMA;
+    if (drawing) told.push_back(wparam != 0 ? "drawn" : "frozen");
+    if (emptied) told.push_back("emptied");
+    if (filled) told.push_back("filled");
+    if (drawing || emptied || filled) waiting &= GetCursor() == LoadCursorA(nullptr, IDC_WAIT);
+    return CallWindowProcA(previous_, list, message, wparam, lparam);
+  }
+
+  static inline WNDPROC previous_ = nullptr;
+  const HWND list_;
+};
+
+TEST_P(MSIContentDlgTest, FillsTheRowsUndrawnAndUnderTheWaitCursor) {
+  add_table("Alpha", {{"Id", "s72"}}).rows = {{"a"}, {"b"}};
+  show();
+  SetCursor(LoadCursorA(nullptr, IDC_ARROW));
+  const ToldList list(control(IDC_MSI_ROWS));
+  choose("Alpha");
+  EXPECT_EQ(list.told,
+            (std::vector<std::string>{"frozen", "emptied", "filled", "filled", "drawn"}));
+  EXPECT_TRUE(list.waiting);
+  EXPECT_EQ(GetCursor(), LoadCursorA(nullptr, IDC_ARROW));
+}
+
 TEST_P(MSIContentDlgTest, ShowsWhatWasReadBeforeAFailure) {
   add_table("Alpha", {{"Id", "s72"}}).rows = {{"a"}};
   add_table("Beta", {{"Id", "s72"}}).rows = {{"b"}};
@@ -185,14 +268,36 @@ TEST_P(MSIContentDlgTest, ListOfTablesKeepsItsWidthAndTheRowsTakeTheRest) {
   EXPECT_EQ(rows_after.bottom, rows_before.bottom + 30);
 }
 
-TEST_P(MSIContentDlgTest, OtherNoticesOfTheListOfTablesChangeNothing) {
+TEST_P(MSIContentDlgTest, AnotherTableIsShownOnlyOnceItIsChosen) {
+  add_table("Alpha", {{"Id", "s72"}}).rows = {{"a"}};
+  add_table("Beta", {{"Id", "s72"}}).rows = {{"b"}};
+  show();
+  choose("Beta");
+  choose("Alpha");
+  const LRESULT alpha = chosen();
+  // Selected, and nothing said of it.
+  send(IDC_MSI_TABLES, LB_SELECTSTRING, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>("Beta"));
+  ASSERT_NE(chosen(), alpha);
+  SendMessageA(window, WM_COMMAND, MAKEWPARAM(IDC_MSI_TABLES, LBN_DBLCLK), 0);
+  SendMessageA(window, WM_COMMAND, MAKEWPARAM(IDC_MSI_ROWS, LBN_SELCHANGE), 0);
+  EXPECT_EQ(rows(), (Rows{{"a"}}));
+  SendMessageA(window, WM_COMMAND, MAKEWPARAM(IDC_MSI_TABLES, LBN_SELCHANGE), 0);
+  EXPECT_EQ(rows(), (Rows{{"b"}}));
+}
+
+TEST_P(MSIContentDlgTest, WithoutAChosenTableTheRowsStay) {
   add_table("Alpha", {{"Id", "s72"}}).rows = {{"a"}};
   show();
   choose("Alpha");
   send(IDC_MSI_TABLES, LB_SETCURSEL, static_cast<WPARAM>(-1));
   SendMessageA(window, WM_COMMAND, MAKEWPARAM(IDC_MSI_TABLES, LBN_SELCHANGE), 0);
-  SendMessageA(window, WM_COMMAND, MAKEWPARAM(IDC_MSI_TABLES, LBN_DBLCLK), 0);
   EXPECT_EQ(rows(), (Rows{{"a"}}));
+}
+
+TEST_P(MSIContentDlgTest, HasTheIconsOfTheProgram) {
+  show();
+  EXPECT_NE(SendMessageA(window, WM_GETICON, ICON_BIG, 0), 0);
+  EXPECT_NE(SendMessageA(window, WM_GETICON, ICON_SMALL, 0), 0);
 }
 
 TEST_P(MSIContentDlgTest, SelectsWholeRows) {

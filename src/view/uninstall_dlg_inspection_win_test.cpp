@@ -169,4 +169,24 @@ TEST_F(InspectingUninstallDlgTest, ClosingTheWindowDuringTheReportOpensNoDialogA
   EXPECT_FALSE(IsWindow(window));
 }
 
+TEST_F(InspectingUninstallDlgTest, AQuitDuringTheReportEndsTheDialogToo) {
+  choose_named("Meadow");
+  databases.fail("open", kInstallerOpenFailed);
+  ORLO::TestReports reports;
+  reports.while_open = [] { PostQuitMessage(7); };
+  bool stayed = false;
+  const LaterScript script(
+      [&] {
+        stayed = dialog(kContent) != nullptr;
+        close(kContent);
+      },
+      200);
+  command(ID_MSI_CONTENT);
+  EXPECT_FALSE(stayed);
+  EXPECT_EQ(dialog(kContent), nullptr);
+  MSG quit = {};
+  EXPECT_TRUE(PeekMessageA(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+  EXPECT_EQ(quit.wParam, WPARAM{7});
+}
+
 }  // namespace
