@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "orlo/owned_handle.h"
+#include "platform/fake_functions_test_support.h"
 #include "platform/installer_seed_win.h"
 #include "platform/installer_test_support.h"
 #include "platform/system_installer.h"
@@ -94,26 +95,6 @@ UINT WINAPI room_of_value(LPCSTR, LPCSTR, LPSTR value, DWORD* length) {
   std::strcpy(value, std::to_string(*length).c_str());
   return ERROR_SUCCESS;
 }
-
-/// A module with the functions that a test gives it.
-class FakeFunctions final : public ORLO::ModuleFunctions {
- public:
-  template <typename Type>
-  void set(const std::string& name, Type* function) {
-    functions_[name] = reinterpret_cast<Function>(function);
-  }
-  const std::vector<std::string>& asked() const { return asked_; }
-
-  Function find(const char* module, const char* name) override {
-    asked_.push_back(module + (std::string(" ") + name));
-    const auto found = functions_.find(name);
-    return found != functions_.end() ? found->second : nullptr;
-  }
-
- private:
-  std::map<std::string, Function> functions_;
-  std::vector<std::string> asked_;
-};
 
 class OddInstaller : public testing::Test {
  protected:

@@ -6,13 +6,13 @@
 
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
-#include <map>
 #include <random>
 #include <utility>
 
-#include "orlo/module_functions.h"
 #include "platform/compound_file_win_test_support.h"
+#include "platform/fake_functions_test_support.h"
 #include "platform/file_bytes_test_support.h"
 #include "platform/installer_database_test_support.h"
 #include "platform/installer_database_writer_win.h"
@@ -120,6 +120,16 @@ TEST(SystemDatabases, OpenNeitherAFolderNorWhatIsNoDatabase) {
   EXPECT_NE(open_status(std::string(5000, 'x')), kInstallerSuccess);
 }
 
+TEST(SystemDatabases, OpenHugeFilesByWhatLeadsToTheirTables) {
+  constexpr uintmax_t kHuge = 500 << 20;
+  const PackageFolder folder;
+  write_small(folder, "a.msi");
+  std::filesystem::resize_file(folder.file("a.msi"), kHuge);
+  EXPECT_EQ(open_status(folder.file("a.msi")), kInstallerSuccess);
+  std::filesystem::resize_file(folder.write_bytes("b.msi", "no database"), kHuge);
+  EXPECT_NE(open_status(folder.file("b.msi")), kInstallerSuccess);
+}
+
 TEST(SystemDatabases, OpenNoFileThatAnotherHasLocked) {
   const PackageFolder folder;
   write_small(folder, "a.msi");
@@ -172,7 +182,7 @@ std::string package_bytes(const PackageFolder& folder) {
 }  // namespace
 
 // Wine frees the file twice where it can't read a database's strings.
-TEST(SystemDatabases, SurviveAFileThatIsCutOffAnywhere) {
+TEST(SystemDatabases, SurviveAFileThatIsCutOffAtEachSector) {
   const PackageFolder folder;
   const std::string whole = package_bytes(folder);
   EXPECT_EQ(read_all(folder.write_bytes("cut.msi", whole)), 6u);
@@ -297,7 +307,7 @@ UINT WINAPI failing_fetch(MSIHANDLE, MSIHANDLE* handle) {
 }
 
 /// A module with the functions of a system that works, but for those that a test changes.
-class OddFunctions final : public ORLO::ModuleFunctions {
+class OddFunctions final : public FakeFunctions {
  public:
   OddFunctions() {
     set("MsiOpenDatabaseA", &open_database);
@@ -310,29 +320,6 @@ class OddFunctions final : public ORLO::ModuleFunctions {
     set("MsiRecordGetInteger", &integer);
     set("MsiCloseHandle", &close_handle);
   }
-
-  template <typename Type>
-  void set(const std::string& name, Type* function) {
-    functions_[name] = reinterpret_cast<Function>(function);
-  }
-  void remove(const std::string& name) { functions_.erase(name); }
-  const Texts& asked() const { return asked_; }
-  Texts names() const {
-    Texts names;
-    for (const auto& [name, function] : functions_)
-      names.push_back(name);
-    return names;
-  }
-
-  Function find(const char* module, const char* name) override {
-    asked_.push_back(module + (std::string(" ") + name));
-    const auto found = functions_.find(name);
-    return found != functions_.end() ? found->second : nullptr;
-  }
-
- private:
-  std::map<std::string, Function> functions_;
-  Texts asked_;
 };
 
 class OddDatabases : public testing::Test {
