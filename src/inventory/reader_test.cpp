@@ -46,6 +46,7 @@ class OneProduct : public Installer {
     if (std::strcmp(property, "ProductName") != 0) return std::nullopt;
     return String("Product 1");
   }
+  int32_t feature_state(const char*, const char*) override { return kFeatureUnknown; }
   std::function<void()> at_call;
   void* window = nullptr;
 };
