@@ -11,6 +11,7 @@
 class InspectionDlg
     : public ORLO::ResizeController<ORLO::OwnerDrawController<ORLO::DlgController>> {
  public:
+  /// Puts the window over its owner, no larger than the work area.
   LRESULT Init(HWND focus_window) override;
 
  protected:

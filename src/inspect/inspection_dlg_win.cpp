@@ -17,6 +17,7 @@ void InspectionDlg::grow(int extra_width, int extra_height) {
 }
 
 LRESULT InspectionDlg::Init(HWND focus_window) {
+  ORLO::shrink_to_work_area(_hwnd);
   ORLO::center_window(_hwnd);
   return Base::Init(focus_window);
 }

@@ -19,7 +19,7 @@ from support.watching import shows_by_itself
 from support.window import OK, Window
 
 LOCALES = {"english": ENGLISH, "german": GERMAN}
-LARGE = (1760, 1240)
+LARGE, SMALL = (1760, 1240), (1024, 768)
 EXCEPTION = "Exception"
 WM_APP = 0x8000
 
@@ -446,5 +446,27 @@ def test_dialogs_grow_with_the_resolution(large_screen, template, language):
             dialog.resize(10, 10)
             assert tuple(big - small for big, small in zip(size, dialog.frame_size())) == tuple(
                 length * 3 // 2 for length in GROWTH[command])
+            dialog.close()
+        assert window.program.close() == 0
+
+
+@pytest.fixture(scope="module")
+def small_screen():
+    with contextlib.closing(Screen(SMALL)) as made:
+        yield made
+
+
+def test_dialogs_open_no_larger_than_the_screen(small_screen, template):
+    with desk_on(small_screen, template, dpi=144) as desk:
+        seed(desk)
+        window = Window(desk)
+        window.wait_filled(COUNT)
+        for command, name, subject, control in (
+                (MSI_CONTENT, GARDEN, DOZEN.path, ROWS), (FEATURES, MEADOW.name, None, TREE),
+                (PATCHES, ORCHARD, None, PATCH_LIST)):
+            dialog = inspect(window, command, name, subject)
+            left, top, right, bottom = dialog.frame()
+            assert left >= 0 and top >= 0 and right <= SMALL[0] and bottom <= SMALL[1]
+            check_laid_out(dialog, command, control)
             dialog.close()
         assert window.program.close() == 0
