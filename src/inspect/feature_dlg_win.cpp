@@ -2,6 +2,7 @@
 
 #include "orlo/dpi.h"
 #include "orlo/wait_cursor.h"
+#include "orlo/window_helpers.h"
 #include "platform/resource_ids.h"
 
 namespace {
@@ -28,6 +29,7 @@ FeatureDlg::FeatureDlg(HWND window, const Resources& resources, const UninstallE
 }
 
 void FeatureDlg::fill(const std::vector<FeatureNode>& nodes) const {
+  const ORLO::FrozenDrawing frozen(tree);
   std::vector<HTREEITEM> items;
   items.reserve(nodes.size());
   for (const FeatureNode& node : nodes) {

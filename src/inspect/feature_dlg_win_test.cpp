@@ -87,6 +87,20 @@ TEST_P(FeatureDlgTest, AdvertisedFeatureHasTheMissingMark) {
   EXPECT_EQ(items(), (std::vector<Item>{{"Advertised", 0, 2, false}, {"Local", 0, 1, false}}));
 }
 
+TEST_P(FeatureDlgTest, ShowsFiveThousandFeaturesFromTheFirstAndScrollsToTheLast) {
+  auto& product = installer.add(kProduct);
+  const auto name = [](int number) { return "F" + std::to_string(10000 + number); };
+  for (int i = 0; i < 5000; ++i)
+    product.features.emplace_back(name(i), i % 16 == 0 ? "" : name(i - 1));
+  show();
+  EXPECT_EQ(items().size(), 5000u);
+  EXPECT_EQ(next(TVGN_FIRSTVISIBLE, nullptr), next(TVGN_ROOT, nullptr));
+  EXPECT_NE(GetWindowLongA(control(IDC_FEATURE_TREE), GWL_STYLE) & WS_VSCROLL, 0);
+  send(IDC_FEATURE_TREE, WM_VSCROLL, SB_BOTTOM);
+  EXPECT_EQ(item_at(next(TVGN_LASTVISIBLE, nullptr), 0).text, name(4999));
+  EXPECT_NE(next(TVGN_FIRSTVISIBLE, nullptr), next(TVGN_ROOT, nullptr));
+}
+
 TEST_P(FeatureDlgTest, HasThreePicturesForItsMarks) {
   show();
   const auto images =
