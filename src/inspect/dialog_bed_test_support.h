@@ -11,6 +11,7 @@
 #include "inspect/inspection_dlg.h"
 #include "orlo/dpi.h"
 #include "orlo/list_view.h"
+#include "orlo/thread_record.h"
 #include "orlo/window_helpers.h"
 #include "platform/memory_installer.h"
 #include "platform/memory_registry.h"
@@ -45,6 +46,10 @@ class InspectionDlgTest : public testing::TestWithParam<uint16_t> {
         });
     ASSERT_NE(window, nullptr);
   }
+
+  /// The cursor that stands over all windows of the thread; null if none does.
+  static HCURSOR cursor() { return ORLO::current_thread_record().cursor; }
+  static HCURSOR wait_cursor() { return LoadCursorA(nullptr, IDC_WAIT); }
 
   bool is_german() const { return GetParam() == kGerman; }
   HWND control(int id) const { return GetDlgItem(window, id); }

@@ -1,6 +1,7 @@
 #include "inspect/feature_dlg.h"
 
 #include "inspect/dialog_bed_test_support.h"
+#include "platform/hooked_installer_test_support.h"
 
 namespace {
 
@@ -99,6 +100,18 @@ TEST_P(FeatureDlgTest, ShowsFiveThousandFeaturesFromTheFirstAndScrollsToTheLast)
   send(IDC_FEATURE_TREE, WM_VSCROLL, SB_BOTTOM);
   EXPECT_EQ(item_at(next(TVGN_LASTVISIBLE, nullptr), 0).text, name(4999));
   EXPECT_NE(next(TVGN_FIRSTVISIBLE, nullptr), next(TVGN_ROOT, nullptr));
+}
+
+TEST_P(FeatureDlgTest, ShowsTheWaitCursorWhileItReads) {
+  installer.add(kProduct).features = {{"Alpha", ""}};
+  int calls = 0;
+  HookedInstaller asked(installer, [&calls] {
+    EXPECT_EQ(cursor(), wait_cursor());
+    ++calls;
+  });
+  open<FeatureDlg>(IDD_FEATURES, static_cast<Installer&>(asked), registry);
+  EXPECT_EQ(calls, 3) << "two for the names, one for a state";
+  EXPECT_EQ(cursor(), nullptr);
 }
 
 TEST_P(FeatureDlgTest, HasThreePicturesForItsMarks) {

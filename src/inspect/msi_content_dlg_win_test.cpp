@@ -11,6 +11,20 @@ namespace {
 
 using Database = MemoryInstallerDatabases;
 
+/// Notes what cursor stands while a database is opened.
+class WatchedDatabases final : public InstallerDatabases {
+ public:
+  explicit WatchedDatabases(InstallerDatabases& behind) : behind_(behind) {}
+  InstallerStatus open(const char* path, std::unique_ptr<InstallerDatabase>& database) override {
+    cursor = ORLO::current_thread_record().cursor;
+    return behind_.open(path, database);
+  }
+  HCURSOR cursor = nullptr;
+
+ private:
+  InstallerDatabases& behind_;
+};
+
 class MSIContentDlgTest : public InspectionDlgTest {
  protected:
   Database::Table& add_table(const std::string& name, std::vector<Database::Column> columns) {
@@ -137,6 +151,17 @@ TEST_P(MSIContentDlgTest, TextOfOver1023CharactersShowsItsFirst1023) {
   show();
   choose("Long");
   EXPECT_EQ(rows(), (Rows{{std::string(1023, 'x')}}));
+}
+
+TEST_P(MSIContentDlgTest, ShowsTheWaitCursorWhileItReadsButNotOverTheReport) {
+  WatchedDatabases watched(databases);
+  databases.fail("open", kInstallerOpenFailed);
+  ORLO::TestReports reports;
+  reports.while_open = [] { EXPECT_EQ(cursor(), nullptr); };
+  open<MSIContentDlg>(IDD_MSI_CONTENT, static_cast<InstallerDatabases&>(watched));
+  EXPECT_EQ(reports.shown.size(), 1u);
+  EXPECT_EQ(watched.cursor, wait_cursor());
+  EXPECT_EQ(cursor(), nullptr);
 }
 
 TEST_P(MSIContentDlgTest, WithoutADatabaseReportsThatAndListsNothing) {

@@ -2,6 +2,7 @@
 
 #include "inspect/dialog_bed_test_support.h"
 #include "orlo/fixed_clock.h"
+#include "platform/hooked_installer_test_support.h"
 
 namespace {
 
@@ -68,6 +69,18 @@ TEST_P(PatchDlgTest, ListsPatchesByDateWithAllTheirTexts) {
   EXPECT_EQ(found[1][5], "yes");
   EXPECT_EQ(found[2][4], "3");
   EXPECT_EQ(found[2][5], "no");
+}
+
+TEST_P(PatchDlgTest, ShowsTheWaitCursorWhileItReads) {
+  int calls = 0;
+  HookedInstaller asked(installer, [&calls] {
+    EXPECT_EQ(cursor(), wait_cursor());
+    ++calls;
+  });
+  open<PatchDlg>(IDD_PATCHES, PatchServices{asked, registry, clock,
+                                            [this](unsigned id) { return resources.text(id); }});
+  EXPECT_EQ(calls, 1);
+  EXPECT_EQ(cursor(), nullptr);
 }
 
 TEST_P(PatchDlgTest, SelectsWholeRows) {

@@ -417,6 +417,20 @@ def check_laid_out(dialog, command, control):
     return margins
 
 
+@each_dialog
+def test_a_dialog_opens_over_the_middle_of_the_window(window, command, name, subject, control):
+    window.program.activate()
+    left, top, right, bottom = window.program.window()["frame"]
+    window.program.ask("move", left + 60, top - 40, right - left, bottom - top)
+    dialog = inspect(window, command, name, subject)
+    dialog.activate()
+    for low, high in ((0, 2), (1, 3)):
+        over, under = dialog.frame(), window.program.window()["frame"]
+        assert abs(over[low] + over[high] - under[low] - under[high]) <= 2
+    dialog.close()
+    assert window.program.close() == 0
+
+
 @pytest.fixture(scope="module")
 def large_screen():
     with contextlib.closing(Screen(LARGE)) as made:
