@@ -19,8 +19,8 @@ class InspectionDlg
   InspectionDlg(HWND window, const Resources& resources, const UninstallEntry& package,
                 const String& subject);
 
-  /// Lays the controls out by these rules, from a window that is this much larger than its
-  /// template, in pixels of a screen of 96 dots per inch. The template's size is the smallest.
+  /// Makes the window this much larger than its template, in pixels of a screen of 96 dots per
+  /// inch, and lays the controls out by these rules. The template's size is the smallest.
   template <size_t count>
   void lay_out(const ORLO::ResizeRule (&rules)[count], int extra_width, int extra_height) {
     resizer.add(rules, count);
