@@ -160,7 +160,7 @@ class CompoundFile {
     if (number32(header, 64) != 0) small_successors_ = numbers_of(read_chain(number32(header, 60)));
     directory_ = read_chain(number32(header, 48));
     small_sectors_ = follow(successors_, number32(directory_, 116));
-    small_size_ = number<uint64_t>(directory_, 120);
+    small_size_ = size_of(0);
     demand(small_size_ <= small_sectors_.size() * sector_size_);
     check_directory();
   }
@@ -172,7 +172,7 @@ class CompoundFile {
     demand(field<uint16_t>(*entry, 64) == 2 * name.size() + 2);
     demand(field<uint8_t>(*entry, 66) == kStreamEntry);
     const auto start = field<uint32_t>(*entry, 116);
-    const auto size = field<uint64_t>(*entry, 120);
+    const uint64_t size = size_of(*entry);
     if (size == 0) return Runs();
     return size < kLongStream ? small_runs(follow(small_successors_, start), size)
                               : sector_runs(follow(successors_, start), size);
@@ -256,6 +256,12 @@ class CompoundFile {
     return number<Number>(directory_, entry * kEntrySize + at);
   }
 
+  /// With short sectors the upper half is anything: old programs have never set it.
+  uint64_t size_of(size_t entry) const {
+    const auto size = field<uint64_t>(entry, 120);
+    return sector_size_ == 512 ? size & 0xFFFFFFFF : size;
+  }
+
   /// Entries lead to their neighbours to both sides, and storages to one of theirs: each to others.
   void check_directory() const {
     const size_t count = directory_.size() / kEntrySize;
@@ -276,8 +282,7 @@ class CompoundFile {
 
   /// No sector is in two streams, or twice in one. A chain that breaks off may be the platform's.
   void use_sectors(uint32_t entry, std::vector<bool>& used) const {
-    if (field<uint8_t>(entry, 66) != kStreamEntry || field<uint64_t>(entry, 120) < kLongStream)
-      return;
+    if (field<uint8_t>(entry, 66) != kStreamEntry || size_of(entry) < kLongStream) return;
     for (auto place = field<uint32_t>(entry, 116); place < used.size();
          place = successors_[place]) {
       demand(!used[place]);

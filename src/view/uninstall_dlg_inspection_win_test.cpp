@@ -47,17 +47,22 @@ class InspectingUninstallDlgTest : public ChoosingUninstallDlgTest {
   }
   static HWND dialog(const char* title) { return FindWindowA("#32770", title); }
   static void close(const char* title) { SendMessageA(dialog(title), WM_CLOSE, 0, 0); }
+  /// Does something once the dialog of this title is shown, which may take its time.
+  static std::function<void()> when_shown(const char* title, const std::function<void()>& act) {
+    return [title, act] {
+      if (IsWindowVisible(dialog(title)) == FALSE) return LaterScript::set(when_shown(title, act));
+      act();
+    };
+  }
   /// Gives the command, and does something while the dialog of this title is open, which is closed
   /// then. False if none came.
   bool open_and(unsigned id, const char* title, const std::function<void()>& act = {}) {
     bool came = false;
-    const LaterScript script(
-        [&] {
-          came = IsWindowVisible(dialog(title)) != FALSE;
-          if (came && act) act();
-          close(title);
-        },
-        50);
+    const LaterScript script(when_shown(title, [&] {
+      came = true;
+      if (act) act();
+      close(title);
+    }));
     command(id);
     return came;
   }
@@ -125,12 +130,10 @@ TEST_F(InspectingUninstallDlgTest, ADialogChosenDuringARefreshComesAfterIt) {
   EXPECT_FALSE(came_early);
   EXPECT_EQ(dialog(kFeatures), nullptr) << "whoever asked for the refresh goes on first";
   bool came = false;
-  const LaterScript script(
-      [&] {
-        came = dialog(kFeatures) != nullptr;
-        close(kFeatures);
-      },
-      50);
+  const LaterScript script(when_shown(kFeatures, [&] {
+    came = true;
+    close(kFeatures);
+  }));
   pump_posted();
   pump_until([&] { return came; });
   EXPECT_TRUE(came) << "about the package as it was chosen";
@@ -139,16 +142,28 @@ TEST_F(InspectingUninstallDlgTest, ADialogChosenDuringARefreshComesAfterIt) {
 TEST_F(InspectingUninstallDlgTest, ClosingTheWindowClosesTheDialogFirst) {
   choose_named("Meadow");
   bool came = false;
-  const LaterScript script(
-      [&] {
-        came = dialog(kContent) != nullptr;
-        SendMessageA(window, WM_CLOSE, 0, 0);
-      },
-      50);
+  const LaterScript script(when_shown(kContent, [&] {
+    came = true;
+    SendMessageA(window, WM_CLOSE, 0, 0);
+  }));
   command(ID_MSI_CONTENT);
   pump_posted();
   EXPECT_TRUE(came);
   EXPECT_EQ(dialog(kContent), nullptr);
+  EXPECT_FALSE(IsWindow(window));
+}
+
+TEST_F(InspectingUninstallDlgTest, ClosingTheWindowClosesADialogThatIsNotYetShown) {
+  choose_named("Meadow");
+  const LaterScript script(
+      [] {
+        EXPECT_FALSE(IsWindowVisible(dialog(kContent)));
+        close(kContent);
+      },
+      500);
+  PostMessageA(window, WM_CLOSE, 0, 0);
+  command(ID_MSI_CONTENT);
+  pump_posted();
   EXPECT_FALSE(IsWindow(window));
 }
 
@@ -159,7 +174,7 @@ TEST_F(InspectingUninstallDlgTest, ClosingTheWindowDuringTheReportOpensNoDialogA
   reports.while_open = [this] { SendMessageA(window, WM_CLOSE, 0, 0); };
   const LaterScript script(
       [] {
-        EXPECT_EQ(dialog(kContent), nullptr);
+        EXPECT_FALSE(IsWindowVisible(dialog(kContent)));
         close(kContent);
       },
       200);
