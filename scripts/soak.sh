@@ -30,6 +30,7 @@ max_len() {
   case $1 in
     usage_cache) echo 560 ;;
     image_list) echo 512 ;;
+    package_file) echo 4096 ;;
     reg_text) echo 256 ;;
     update_key) echo 32 ;;
     xml_reader) echo 128 ;;
@@ -48,6 +49,7 @@ sources() {
     update_line) echo src/inventory/update_log.cpp ;;
     packed_code) echo src/inventory/installer_patches.cpp ;;
     image_list) echo src/platform/image_list_bytes.cpp ;;
+    package_file) echo src/platform/package_file_check.cpp ;;
     image_paths) echo src/persist/image_paths.cpp ;;
     file_text)
       echo src/orlo/buffered_in.cpp src/orlo/buffered_in_text.cpp src/orlo/read_line.cpp
