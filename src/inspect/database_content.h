@@ -29,7 +29,7 @@ class DatabaseContent {
 
   /// The columns of each table; without rows. A table that can't be asked for has none.
   const Schemas& schemas() const noexcept { return schemas_; }
-  /// Rows stand in the order of their numbers as texts: 1, 10, 11, 2. Less than schemas() if
+  /// Rows stand in the order of their numbers as texts: 1, 10, 11, 2. Fewer than schemas() if
   /// load() has failed.
   const Tables& tables() const noexcept { return tables_; }
 

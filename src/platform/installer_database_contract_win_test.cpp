@@ -140,6 +140,17 @@ TEST(SystemDatabases, OpenNoFileThatAnotherHasLocked) {
   EXPECT_EQ(open_status(folder.file("a.msi")), kInstallerSuccess);
 }
 
+// It would be waited for, maybe for ever.
+TEST(SystemDatabases, AskNoDeviceForAPackage) {
+  const char* const name = R"(\\.\pipe\zolvane-silent-package)";
+  const HANDLE pipe = CreateNamedPipeA(name, PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE | PIPE_WAIT,
+                                       PIPE_UNLIMITED_INSTANCES, 0, 0, 0, nullptr);
+  ASSERT_NE(pipe, INVALID_HANDLE_VALUE);
+  EXPECT_EQ(open_status(name), kInstallerOpenFailed);
+  CloseHandle(pipe);
+  EXPECT_EQ(open_status("NUL"), kInstallerOpenFailed);
+}
+
 TEST(SystemDatabases, LeaveTheFileAsItIs) {
   const PackageFolder folder;
   write_small(folder, "a.msi");

@@ -256,11 +256,7 @@ class CompoundFile {
     return number<Number>(directory_, entry * kEntrySize + at);
   }
 
-  /// With short sectors the upper half is anything: old programs have never set it.
-  uint64_t size_of(size_t entry) const {
-    const auto size = field<uint64_t>(entry, 120);
-    return sector_size_ == 512 ? size & 0xFFFFFFFF : size;
-  }
+  uint64_t size_of(size_t entry) const { return field<uint64_t>(entry, 120); }
 
   /// Entries lead to their neighbours to both sides, and storages to one of theirs: each to others.
   void check_directory() const {
