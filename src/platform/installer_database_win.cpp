@@ -251,8 +251,8 @@ class SystemDatabase final : public InstallerDatabase {
 
 /// A pipe or a port, which may never answer.
 bool is_device(const char* path) {
-  const ORLO::OwnedFile file(CreateFileA(path, 0, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                         OPEN_EXISTING, 0, nullptr));
+  const ORLO::OwnedFile file(
+      CreateFileA(path, 0, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
   return file && GetFileType(file.get()) != FILE_TYPE_DISK;
 }
 
