@@ -7,23 +7,28 @@
 #include "inspect/msi_content_dlg.h"
 #include "inspect/patch_dlg.h"
 #include "platform/resource_ids.h"
+#include "view/package_commands.h"
+
+namespace {
+
+/// Any product may be asked for its features, though the command is grey where it has none.
+bool has_it(unsigned command, const UninstallEntry& entry) {
+  return command == ID_FEATURES ? entry.MSI : can_run(command, {&entry});
+}
+
+}  // namespace
 
 struct InspectCommands::Command {
   unsigned id;
   unsigned dialog;
-  bool (*has_it)(const UninstallEntry& entry);
   Opening open;
 };
 
 const InspectCommands::Command* InspectCommands::find(unsigned command) noexcept {
   static constexpr Command kCommands[] = {
-      {ID_FEATURES, IDD_FEATURES, [](const UninstallEntry& entry) { return entry.MSI; },
-       &InspectCommands::features},
-      {ID_PATCHES, IDD_PATCHES, [](const UninstallEntry& entry) { return entry.patches != 0; },
-       &InspectCommands::patches},
-      {ID_MSI_CONTENT, IDD_MSI_CONTENT,
-       [](const UninstallEntry& entry) { return entry.MSI && !entry.packagePath.empty(); },
-       &InspectCommands::content},
+      {ID_FEATURES, IDD_FEATURES, &InspectCommands::features},
+      {ID_PATCHES, IDD_PATCHES, &InspectCommands::patches},
+      {ID_MSI_CONTENT, IDD_MSI_CONTENT, &InspectCommands::content},
   };
   const auto* const end = std::end(kCommands);
   const auto* const found = std::find_if(std::begin(kCommands), end,
@@ -38,7 +43,7 @@ bool InspectCommands::is_inspection(unsigned command) noexcept {
 bool InspectCommands::run(unsigned command, const UninstallEntry& entry) const {
   const Command* const found = find(command);
   if (found == nullptr) return false;
-  if (!found->has_it(entry)) return true;
+  if (!has_it(command, entry)) return true;
   const Resources& resources = parts_.resources;
   parts_.frame.show([&] {
     ORLO::Dialog::DoModal(resources.module(), resources.dialog(found->dialog),
