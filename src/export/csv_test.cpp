@@ -56,6 +56,17 @@ TEST(Csv, ASemicolonAfterANulIsFound) {
             "One;Two;\n\"" + std::string(bytes, 4) + "\";;\n");
 }
 
+TEST(Csv, ASemicolonIsFoundAtEachPlaceOfALongField) {
+  for (size_t length = 8; length <= 25; ++length) {
+    for (size_t place = 0; place < length; ++place) {
+      std::string text(length, 'o');
+      text[place] = ';';
+      EXPECT_EQ(written(sheet_of({{text.c_str(), "x"}})), "One;Two;\n\"" + text + "\";x;\n");
+    }
+  }
+  EXPECT_EQ(written(sheet_of({{"Semi;colon", ""}})), "One;Two;\n\"Semi;colon\";;\n");
+}
+
 TEST(Csv, TitlesWithASemicolonAreQuotedToo) {
   ExportSheet sheet;
   sheet.columns = {{"a;b", u"", 0}};

@@ -61,7 +61,6 @@ def folder(desk):
     """Empty but for one file."""
     found = desk.prefix.host_path("C:\\Lists")
     yield found
-    found.chmod(0o755)
     for file in found.iterdir():
         if file.name != ".keep":
             file.unlink()
