@@ -356,8 +356,8 @@ TEST(PackageFileCheck, TakesNoSmallStreamsBeyondTheirSectors) {
 TEST(PackageFileCheck, TakesNoSmallSectorBeyondTheSmallStreams) {
   TestCompoundFile file = compound_file(package_streams());
   const size_t size = file.entry(0) + 120;
-  EXPECT_EQ(checked(file.put(size, 4 * 64)), kWesternEurope);
-  EXPECT_EQ(checked(file.put(size, 3 * 64)), std::nullopt);
+  EXPECT_EQ(checked(file.put(size, 256)), kWesternEurope);
+  EXPECT_EQ(checked(file.put(size, 192)), std::nullopt);
 }
 
 TEST(PackageFileCheck, TakesNoColumnsWithGaps) {
