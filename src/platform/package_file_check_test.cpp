@@ -127,6 +127,8 @@ TEST(PackageFileCheck, TakesSoundFilesWithSectorsOfBothSizes) {
 TEST(PackageFileCheck, TakesNoSectorsOfOtherSizes) {
   for (const unsigned shift : {0U, 8U, 10U, 13U, 64U, 0xFFFFU})
     EXPECT_EQ(checked(compound_file(package_streams()).put(30, shift, 2)), std::nullopt);
+  for (const unsigned shift : {10U, 11U, 13U})
+    EXPECT_EQ(checked(compound_file(package_streams(), shift)), std::nullopt);
 }
 
 TEST(PackageFileCheck, TakesNoSmallSectorsOfOtherSizes) {
@@ -177,6 +179,8 @@ TEST(PackageFileCheck, TakesAFileWithoutSmallStreams) {
   EXPECT_EQ(file.number(64), 0U);
   EXPECT_EQ(file.number(file.entry(0) + 116), kEnd);
   EXPECT_EQ(checked(file), kWesternEurope);
+  TestCompoundFile odd = file;
+  EXPECT_EQ(checked(odd.put(60, TestCompoundFile::kNone)), kWesternEurope);
 }
 
 TEST(PackageFileCheck, TakesADatabaseWithoutTables) {
@@ -415,9 +419,14 @@ TEST(PackageFileCheck, EndsWhereTheListOfTheTableRunsInACircle) {
   streams.insert(streams.begin(), {u"large", std::string(size_t{16} << 20, 'l')});
   TestCompoundFile file = compound_file(streams);
   const uint32_t first = file.number(68);
-  MadeUpFile raw(file.put(file.sector(first) + size_t{127} * 4, first));
+  file.put(file.sector(first) + size_t{127} * 4, first);
+  MadeUpFile raw(file);
   check_package_file(raw);
   EXPECT_LT(raw.reads, 1000);
+  file.put(44, 0x00800000);
+  MadeUpFile absurd(file);
+  EXPECT_EQ(check_package_file(absurd), std::nullopt);
+  EXPECT_LT(absurd.reads, 4);
 }
 
 TEST(PackageFileCheck, RefusesAbsurdCountsAtOnce) {
