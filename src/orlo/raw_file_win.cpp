@@ -170,6 +170,9 @@ std::unique_ptr<RawFile> open_raw_file(const char* file_name, FileAccess access,
                                        uint32_t disposition, uint32_t share_mode, uint32_t flags) {
   OwnedFile file = open(file_name, access, disposition, share_mode, flags);
   if (!file) return nullptr;
+  // A device or a pipe has no offsets, and a read of it may wait for ever.
+  if (GetFileType(file.get()) != FILE_TYPE_DISK)
+    return std::make_unique<HandleStream>(std::move(file));
   return std::make_unique<HandleFile>(std::move(file));
 }
 

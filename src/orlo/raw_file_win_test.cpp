@@ -109,6 +109,25 @@ TEST(OverlappedInFile, GivesUpAReadUnderWayForASeek) {
   EXPECT_EQ(file.tell(), 100u);
 }
 
+TEST(RawFile, OfAPipeReadsNothingInsteadOfWaiting) {
+  const SilentPipe pipe;
+  const auto file = open_raw_file(pipe.name(), FileAccess::read, kOpenExisting, 0, 0);
+  ASSERT_NE(file, nullptr);
+  char byte = 'a';
+  const Transfer transfer = file->read(0, &byte, 1);
+  EXPECT_EQ(transfer.count, 0u);
+  EXPECT_NE(transfer.error, 0u);
+  EXPECT_EQ(byte, 'a');
+}
+
+TEST(RawFile, OfADeviceTakesWhatIsWritten) {
+  const auto file = open_raw_file("NUL", FileAccess::write, kOpenExisting, 0, 0);
+  ASSERT_NE(file, nullptr);
+  const Transfer transfer = file->write(0, "abc", 3);
+  EXPECT_EQ(transfer.count, 3u);
+  EXPECT_EQ(transfer.error, 0u);
+}
+
 TEST(CreateTemporaryFile, InAFolderWhosePathIsTooLongMakesNothing) {
   const TempFolder folder;
   std::string path = folder.path("");
