@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "orlo/file_modes.h"
-#include "orlo/kernel_handles.h"
 #include "orlo/owned_handle.h"
 #include "platform/package_file_check.h"
 #include "platform/system_installer.h"
@@ -249,16 +248,8 @@ class SystemDatabase final : public InstallerDatabase {
   const OwnedMsiHandle handle_;
 };
 
-/// A pipe or a port, which may never answer.
-bool is_device(const char* path) {
-  const ORLO::OwnedFile file(
-      CreateFileA(path, 0, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
-  return file && GetFileType(file.get()) != FILE_TYPE_DISK;
-}
-
 /// Opens nothing that the system would stumble over; what can't be read is the system's to refuse.
 bool is_sound(const char* path) {
-  if (is_device(path)) return false;
   const auto file = ORLO::open_raw_file(path, ORLO::FileAccess::read, ORLO::kOpenExisting,
                                         FILE_SHARE_READ | FILE_SHARE_WRITE, 0);
   if (file == nullptr) return true;
