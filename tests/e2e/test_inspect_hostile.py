@@ -50,7 +50,8 @@ MANY = Fixture("many.msi", database({}, queries=[
         f"CREATE TABLE `Table{number:03d}` (`Key` SHORT NOT NULL PRIMARY KEY `Key`)",
         f"INSERT INTO `Table{number:03d}` (`Key`) VALUES ({number})")]))
 FIXTURES = {"Numbers": NUMBERS, "Names": NAMES, "Wide": WIDE, "Many": MANY}
-PATHS = {**NO_FILES, **ODD_FILES, "Passing": PASSING, **{name: made.path for name, made in FIXTURES.items()}}
+PATHS = {**NO_FILES, **ODD_FILES, "Passing": PASSING,
+         **{name: made.path for name, made in FIXTURES.items()}}
 COUNT = len(PATHS)
 
 
@@ -161,9 +162,9 @@ def test_hundreds_of_tables_are_gone_through_with_a_key_held_down(window):
 def test_the_file_of_a_package_is_free_while_its_tables_are_shown(window, desk):
     dialog = inspect(window, MSI_CONTENT, "Passing", PASSING)
     # As the system lets nobody do while another has it open.
-    rename = f'ren "{PASSING}" "moved.msi"'
-    subprocess.run(["wine", "cmd", "/c", rename], env=desk.prefix.env, check=True, timeout=60,
-                   stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    subprocess.run(["wine", "cmd", "/c", "ren", PASSING, "moved.msi"], env=desk.prefix.env,
+                   check=True, timeout=60, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                   stderr=subprocess.DEVNULL)
     moved = desk.prefix.host_path("C:\\Packages\\moved.msi")
     assert moved is not None and desk.prefix.host_path(PASSING) is None
     dialog.show_table("Numbers")
