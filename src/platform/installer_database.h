@@ -40,7 +40,8 @@ class InstallerView {
   /// MsiViewGetColumnInfo: a field for each column of the query.
   virtual InstallerStatus column_info(ColumnInfo kind,
                                       std::unique_ptr<InstallerRecord>& record) = 0;
-  /// MsiViewFetch: kInstallerNoMoreItems at the end.
+  /// MsiViewFetch: kInstallerNoMoreItems once, after the last row; what another call gives then
+  /// isn't said. There is no record after a failure, and none of the row before after a success.
   virtual InstallerStatus fetch(std::unique_ptr<InstallerRecord>& record) = 0;
 };
 

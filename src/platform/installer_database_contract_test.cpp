@@ -86,7 +86,7 @@ TEST_P(DatabaseContract, HasNoRowsInAnEmptyTable) {
   EXPECT_EQ(rows("select `Key`,`Title` from `Empty`"), Grid());
 }
 
-TEST_P(DatabaseContract, KeepsGivingTheEnd) {
+TEST_P(DatabaseContract, KeepsGivingTheEndOfAnEmptyTable) {
   open({kEmpty});
   ASSERT_EQ(ask("select * from `Empty`"), kInstallerSuccess);
   std::unique_ptr<InstallerRecord> record;
@@ -94,6 +94,15 @@ TEST_P(DatabaseContract, KeepsGivingTheEnd) {
     EXPECT_EQ(view_->fetch(record), kInstallerNoMoreItems);
     EXPECT_EQ(record, nullptr);
   }
+}
+
+TEST_P(DatabaseContract, HasNoRecordAfterTheLastRow) {
+  open({{"T", {{"Key", "s72"}}, {{"abc"}}}});
+  ASSERT_EQ(ask("select * from `T`"), kInstallerSuccess);
+  std::unique_ptr<InstallerRecord> record;
+  ASSERT_EQ(view_->fetch(record), kInstallerSuccess);
+  EXPECT_EQ(view_->fetch(record), kInstallerNoMoreItems);
+  EXPECT_EQ(record, nullptr);
 }
 
 TEST_P(DatabaseContract, GivesIntegersAtBothEndsAndNone) {

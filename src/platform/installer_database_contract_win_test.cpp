@@ -292,6 +292,10 @@ UINT WINAPI silent_text(MSIHANDLE, UINT, LPSTR, LPDWORD room) {
 UINT WINAPI silent_more(MSIHANDLE, UINT, LPSTR, LPDWORD) {
   return ERROR_MORE_DATA;
 }
+UINT WINAPI unended_more(MSIHANDLE, UINT, LPSTR text, LPDWORD) {
+  std::memcpy(text, "ab", 2);
+  return ERROR_MORE_DATA;
+}
 int WINAPI integer(MSIHANDLE, UINT field) {
   return static_cast<int>(field) * 10;
 }
@@ -475,6 +479,14 @@ TEST_F(OddDatabases, HaveEmptyTextWhereTheSystemWritesNoneOfMore) {
   functions_.set("MsiRecordGetStringA", &silent_more);
   fetch_row();
   EXPECT_EQ(text(8), "234 ");
+}
+
+TEST_F(OddDatabases, EndTheBeginningOfATextWhereTheSystemDoesNot) {
+  functions_.set("MsiRecordGetStringA", &unended_more);
+  fetch_row();
+  char buffer[] = "zzzzzzzz";
+  EXPECT_EQ(record_->text(1, buffer, sizeof buffer), kInstallerMoreData);
+  EXPECT_STREQ(buffer, "ab");
 }
 
 TEST_F(OddDatabases, AskForTheTypesWithTheFirstTextOnly) {

@@ -47,13 +47,8 @@ bool InspectCommands::run(unsigned command, const UninstallEntry& entry) const {
   const Resources& resources = parts_.resources;
   parts_.frame.show([&] {
     ORLO::Dialog::DoModal(resources.module(), resources.dialog(found->dialog),
-                          static_cast<HWND>(parts_.frame.owner()), [&](HWND window) {
-                            auto dialog = (this->*found->open)(window, entry);
-                            // An end that has been asked for meanwhile, while a failure was being
-                            // reported, has found no dialog to close yet.
-                            if (parts_.frame.closing()) dialog.reset();
-                            return dialog;
-                          });
+                          static_cast<HWND>(parts_.frame.owner()),
+                          [&](HWND window) { return (this->*found->open)(window, entry); });
   });
   return true;
 }

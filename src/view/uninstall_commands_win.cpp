@@ -199,7 +199,7 @@ bool UninstallDlg::start_action(unsigned command) {
       ActionCommands::is_package_action(command) || InspectCommands::is_inspection(command);
   if (!waits) return !ending() && actions_.run(command, at);
   if (at.current != nullptr) postponed_action_ = {command, *at.current};
-  if (!cycle_.refreshing()) run_postponed_action();
+  run_postponed_action();
   return true;
 }
 
