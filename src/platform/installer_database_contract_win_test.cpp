@@ -293,7 +293,8 @@ UINT WINAPI silent_more(MSIHANDLE, UINT, LPSTR, LPDWORD) {
   return ERROR_MORE_DATA;
 }
 UINT WINAPI unended_more(MSIHANDLE, UINT, LPSTR text, LPDWORD) {
-  std::memcpy(text, "ab", 2);
+  text[0] = 'a';
+  text[1] = 'b';
   return ERROR_MORE_DATA;
 }
 int WINAPI integer(MSIHANDLE, UINT field) {
