@@ -217,6 +217,9 @@ LRESULT CALLBACK look_while_painting(HWND window, UINT message, WPARAM wparam, L
 }
 
 TEST_F(UninstallDlgTest, ARefreshGoesOnUnderTheWaitCursorAndTheOldStatusLine) {
+  // Over the list's header the mouse would bring the header's own cursor at any time.
+  SetCursorPos(0, 0);
+  ORLO::sleep_with_messages(50);
   SetDlgItemTextA(window, IDC_STATUS, "old");
   const LONG_PTR own =
       SetWindowLongPtrA(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&look_while_painting));
