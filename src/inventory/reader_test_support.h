@@ -30,5 +30,5 @@ struct MemorySystem {
   MemoryInstaller installer;
   MemoryWmi wmi;
   MemoryAccounts accounts;
-  SystemVersion version{SystemVersion::kWindowsNt, 6};
+  SystemVersion version{SystemVersion::kWindowsNt, 6, 1, 7601};
 };

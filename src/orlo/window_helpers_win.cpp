@@ -48,7 +48,30 @@ int moved_in(int start, int extent, int room) {
   return std::max(0, std::min(start, room - extent));
 }
 
+/// A question with Yes and No alone takes no WM_CLOSE.
+void end_box(HWND box) {
+  const bool can_be_closed =
+      GetDlgItem(box, IDNO) == nullptr || GetDlgItem(box, IDCANCEL) != nullptr;
+  if (can_be_closed) {
+    PostMessageA(box, WM_CLOSE, 0, 0);
+  } else {
+    PostMessageA(box, WM_COMMAND, IDNO, 0);
+  }
+}
+
+BOOL CALLBACK end_if_above(HWND window, LPARAM base) {
+  const auto below = reinterpret_cast<HWND>(base);
+  if (window != below && IsWindowVisible(window) && GetAncestor(window, GA_ROOTOWNER) == below) {
+    end_box(window);
+  }
+  return TRUE;
+}
+
 }  // namespace
+
+void end_windows_above(HWND base, DWORD thread) noexcept {
+  EnumThreadWindows(thread, &end_if_above, reinterpret_cast<LPARAM>(base));
+}
 
 void move_to_screen(HWND window) {
   RECT rect = {};

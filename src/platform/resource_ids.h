@@ -164,7 +164,6 @@
 #define IDS_PATCH_REGISTERED 170
 #define IDS_PARENT 171
 #define IDS_USER 172
-#define IDS_NOT_THERE_YET 1000
 #define IDS_TOO_MANY_ROWS 1001
 // A link's target stands under the id of its control.
 #define IDS_ABOUT_MAIL_TARGET IDC_ABOUT_MAIL

@@ -8,6 +8,8 @@ struct SystemVersion {
 
   uint32_t platform = 0;  ///< 0 if the system doesn't tell
   uint32_t major = 0;
+  uint32_t minor = 0;
+  uint32_t build = 0;
 
   /// From version 6 on the system keeps its updates as servicing packages, and its user interface
   /// can have a language of its own for each thread.

@@ -7,8 +7,8 @@ TEST(SystemVersion, IsAtLeast6ForTheLineOfWindowsNtAlone) {
     SystemVersion version;
     bool expected;
   } cases[] = {
-      {{2, 5}, false}, {{2, 6}, true},  {{2, 10}, true}, {{2, 0}, false},
-      {{1, 6}, false}, {{3, 6}, false}, {{0, 6}, false}, {{}, false},
+      {{2, 5, 0, 0}, false}, {{2, 6, 0, 0}, true},  {{2, 10, 0, 0}, true}, {{2, 0, 0, 0}, false},
+      {{1, 6, 0, 0}, false}, {{3, 6, 0, 0}, false}, {{0, 6, 0, 0}, false}, {{}, false},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(std::to_string(c.version.platform) + "/" + std::to_string(c.version.major));

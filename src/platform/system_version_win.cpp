@@ -6,5 +6,6 @@ SystemVersion system_version() noexcept {
   OSVERSIONINFOA version = {};
   version.dwOSVersionInfoSize = sizeof version;
   if (GetVersionExA(&version) == FALSE) return {};
-  return {version.dwPlatformId, version.dwMajorVersion};
+  return {version.dwPlatformId, version.dwMajorVersion, version.dwMinorVersion,
+          version.dwBuildNumber};
 }

@@ -12,6 +12,7 @@
 #include "platform/registry.h"
 #include "platform/shell.h"
 #include "platform/wmi.h"
+#include "update/update_services.h"
 
 /// What the program stands on; all must outlive it.
 struct ProgramServices {
@@ -25,6 +26,7 @@ struct ProgramServices {
   Accounts& accounts;
   CompoundStorage& storage;
   InspectServices inspection;
+  UpdateSystem update;
 };
 
 /// Runs from the marks of the process to the end of the main dialog: the process's exit code, 0

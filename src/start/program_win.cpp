@@ -13,6 +13,7 @@
 #include "start/export_run.h"
 #include "start/post_update.h"
 #include "start/switches.h"
+#include "start/update_settings.h"
 #include "view/uninstall_dlg.h"
 // These need what orlowin.h brings.
 #include <objbase.h>
@@ -46,7 +47,7 @@ String local_data_folder() {
 void init_common_controls() {
   INITCOMMONCONTROLSEX classes = {};
   classes.dwSize = sizeof classes;
-  classes.dwICC = ICC_LISTVIEW_CLASSES | ICC_TREEVIEW_CLASSES;
+  classes.dwICC = ICC_LISTVIEW_CLASSES | ICC_TREEVIEW_CLASSES | ICC_PROGRESS_CLASS;
   InitCommonControlsEx(&classes);
 }
 
@@ -58,8 +59,15 @@ UninstallReader::Services reader_services(const ProgramServices& program) {
 int show_main_dialog(HINSTANCE instance, const UninstallPara& para,
                      const ProgramServices& program) {
   const Resources resources(instance, static_cast<uint16_t>(ui_locale_id()));
-  const DialogServices services{reader_services(program), program.shell, program.icons,
-                                program.storage, program.inspection};
+  const DialogServices services{
+      reader_services(program),
+      program.shell,
+      program.icons,
+      program.storage,
+      program.inspection,
+      program.update,
+      update_settings(program.update.description_url, system_version(), para.noPersist),
+      !para.noUpdate};
   const INT_PTR result =
       ORLO::Dialog::DoModal(instance, resources.dialog(IDD_MAIN), nullptr, [&](HWND window) {
         return std::make_unique<UninstallDlg>(window, std::make_unique<UninstallDlgPara>(para),

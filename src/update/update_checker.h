@@ -17,7 +17,7 @@ class UpdateChecker : public ORLO::ActiveFinisher {
     void (*apply_thread_language)();  ///< called first on the thread
   };
 
-  explicit UpdateChecker(Parts parts);
+  explicit UpdateChecker(const Parts& parts);
   ~UpdateChecker() override;
 
   void checkNow() { manual_.checkNow(); }

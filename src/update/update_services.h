@@ -9,6 +9,7 @@
 #include "platform/shell.h"
 #include "platform/temporary_files.h"
 
+/// Of one program and one run.
 struct UpdateSettings {
   String appName;         ///< short name of the program
   String registryPath;    ///< a key below HKEY_CURRENT_USER
@@ -27,4 +28,16 @@ struct UpdateServices {
   Shell& shell;
   const ORLO::Clock& clock;
   std::function<String(unsigned id)> text;  ///< a text of the string table
+};
+
+/// What the process gives to both checks, the one in the background and the one on demand. All must
+/// outlive their threads.
+struct UpdateSystem {
+  Internet& background_internet;
+  Internet& manual_internet;
+  OwnKey& key;
+  TemporaryFiles& files;
+  const char* description_url;
+  /// Ends the process at once, without a word to anybody in it. Returns in tests only.
+  std::function<void()> end_process;
 };

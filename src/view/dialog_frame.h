@@ -34,8 +34,8 @@ class DialogFrame : public ActionFrame {
 
   /// The name of a file to be saved; empty if the user has cancelled, or the window is closing.
   String ask_file_name(const ORLO::SaveFileDialog& dialog);
-  /// A box that says something about what the user wants.
-  void inform(const String& text, const String& title);
+  /// A box with OK alone.
+  void tell(const String& text, const String& title);
   /// Opens a dialog of the window's and waits for its end. None opens any more, neither here nor
   /// above, when the window is closing.
   void show(const std::function<void()>& open);

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "orlo/modal_scope.h"
+#include "orlo/window_helpers.h"
 
 namespace {
 
@@ -16,26 +17,6 @@ class Counted {
  private:
   int& count_;
 };
-
-/// A question with Yes and No alone takes no WM_CLOSE.
-void end_box(HWND box) {
-  const bool can_be_closed =
-      GetDlgItem(box, IDNO) == nullptr || GetDlgItem(box, IDCANCEL) != nullptr;
-  if (can_be_closed) {
-    PostMessageA(box, WM_CLOSE, 0, 0);
-  } else {
-    PostMessageA(box, WM_COMMAND, IDNO, 0);
-  }
-}
-
-/// Above: opened, maybe by way of others, from the main window.
-BOOL CALLBACK end_if_above(HWND window, LPARAM main_window) {
-  const auto base = reinterpret_cast<HWND>(main_window);
-  if (window != base && IsWindowVisible(window) && GetAncestor(window, GA_ROOTOWNER) == base) {
-    end_box(window);
-  }
-  return TRUE;
-}
 
 /// A WM_QUIT ends a box as if OK had been pressed, and stays for the loops around it.
 bool quitting() {
@@ -76,8 +57,8 @@ void DialogFrame::begin_wait_cursor() {
   wait_cursors_.push_back(std::make_unique<ORLO::WaitCursor>());
 }
 
-void DialogFrame::inform(const String& text, const String& title) {
-  box(text, title, MB_ICONINFORMATION);
+void DialogFrame::tell(const String& text, const String& title) {
+  box(text, title, MB_OK);
 }
 
 bool DialogFrame::confirm(const String& text, const String& title) {
@@ -94,6 +75,6 @@ void DialogFrame::warn(const String& text, const String& title) {
 
 bool DialogFrame::close_boxes() const {
   if (open_boxes_ == 0) return false;
-  EnumThreadWindows(GetCurrentThreadId(), &end_if_above, reinterpret_cast<LPARAM>(parts_.window));
+  ORLO::end_windows_above(parts_.window, GetCurrentThreadId());
   return true;
 }

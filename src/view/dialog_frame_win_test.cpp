@@ -74,7 +74,7 @@ TEST_F(DialogFrameTest, NoBoxOpensWhenTheWindowIsClosing) {
   EXPECT_FALSE(frame_.confirm("?", kTitle));
   EXPECT_FALSE(frame_.ask("?", kTitle));
   frame_.warn("!", kTitle);
-  frame_.inform("!", kTitle);
+  frame_.tell("!", kTitle);
   frame_.show([&] { shown = true; });
   EXPECT_FALSE(shown);
 }

@@ -6,6 +6,7 @@
 #include "platform/compound_storage.h"
 #include "platform/icons.h"
 #include "platform/shell.h"
+#include "update/update_services.h"
 
 /// All must outlive the dialog.
 struct DialogServices {
@@ -14,4 +15,7 @@ struct DialogServices {
   IconExtractor& icons;
   CompoundStorage& storage;
   InspectServices inspection;
+  UpdateSystem update;
+  UpdateSettings update_settings;
+  bool check_for_updates = true;  ///< once, in the background
 };

@@ -1,6 +1,4 @@
 // The commands of the main window.
-#include <algorithm>
-#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -19,9 +17,6 @@
 #include "view/window_restart.h"
 
 namespace {
-
-// Commands whose work isn't there yet. They say so.
-constexpr unsigned kPendingCommands[] = {ID_CHECK_VERSION, ID_SHOW_PAD};
 
 int selection_of(HWND combo) {
   return static_cast<int>(SendMessageA(combo, CB_GETCURSEL, 0, 0));
@@ -62,6 +57,8 @@ LRESULT UninstallDlg::Command(unsigned id, unsigned code, HWND sender) {
       {ID_SWITCH_LANGUAGE, kAnyCode, &UninstallDlg::switch_language},
       {ID_HELP_CONTENTS, kAnyCode, &UninstallDlg::show_help},
       {ID_BUG_REPORT, kAnyCode, &UninstallDlg::show_issue_tracker},
+      {ID_CHECK_VERSION, kAnyCode, &UninstallDlg::check_version},
+      {ID_SHOW_PAD, kAnyCode, &UninstallDlg::show_pad},
       {ID_ABOUT, kAnyCode, &UninstallDlg::show_about},
       {ID_COPY, kAnyCode, &UninstallDlg::copy_cell},
       {ID_EXPORT, kGiven, &UninstallDlg::export_list},
@@ -72,11 +69,6 @@ LRESULT UninstallDlg::Command(unsigned id, unsigned code, HWND sender) {
     return TRUE;
   }
   if (is_meant(kGiven, code, sender) && start_action(id)) return TRUE;
-  if (std::find(std::begin(kPendingCommands), std::end(kPendingCommands), id) !=
-      std::end(kPendingCommands)) {
-    tell_pending(id);
-    return TRUE;
-  }
   return Base::Command(id, code, sender);
 }
 
@@ -213,11 +205,6 @@ void UninstallDlg::run_postponed_action() {
 void UninstallDlg::run_postponed() {
   run_postponed_action();
   if (export_due_) export_list();
-}
-
-void UninstallDlg::tell_pending(unsigned command) {
-  if (!can_run(command, context())) return;
-  frame_.inform(resources_.text(IDS_NOT_THERE_YET), resources_.text(IDS_PRODUCT));
 }
 
 void UninstallDlg::show_help() {

@@ -25,6 +25,7 @@
 #include "view/list_painter.h"
 #include "view/sys_list.h"
 #include "view/uninstall_dlg_para.h"
+#include "view/update_commands.h"
 
 class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORLO::DlgController>>,
                      private RefreshFrame,
@@ -73,8 +74,8 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   bool start_action(unsigned command);
   void run_postponed_action();
   void run_postponed();
-  /// Says of a command that its work isn't there yet.
-  void tell_pending(unsigned command);
+  void check_version() { updates_.check_now(); }
+  void show_pad() { updates_.show_description(); }
   // Changes of what the list shows. They give the number of rows that are shown now, or nothing if
   // the rows are the same.
   using ListChange = std::optional<size_t> (UninstallDlg::*)(int);
@@ -181,4 +182,5 @@ class UninstallDlg : public ORLO::ResizeController<ORLO::OwnerDrawController<ORL
   ListExport export_;
   InspectCommands inspection_;
   ListIcons icons_;
+  UpdateCommands updates_;
 };

@@ -147,7 +147,8 @@ UninstallDlg::UninstallDlg(HWND window, std::unique_ptr<UninstallDlgPara> dialog
                    services.reader.clock}),
       icons_({window, list_.window(), model_, listLock, services.icons, services.reader.files, run_,
               services.reader.apply_thread_language},
-             resources.module()) {
+             resources.module()),
+      updates_({window, resources, frame_, services}) {
   set_menu();
   set_resize_rules();
   add_columns();
@@ -158,6 +159,7 @@ UninstallDlg::UninstallDlg(HWND window, std::unique_ptr<UninstallDlgPara> dialog
                      &icons = services.icons](const UninstallEntry& entry) {
     return loadEntryIcon(entry, true, files, icons);
   };
+  if (services.check_for_updates) updates_.start();
 }
 
 UninstallDlg::~UninstallDlg() {
@@ -378,10 +380,13 @@ void UninstallDlg::shut_down() {
   cycle_.end();
   // Asked before, as the wait for the reader may be long.
   icons_.begin_stop();
+  updates_.begin_end();
   reader_.stop(ORLO::ActiveObject::WaitMode::pump);
   icons_.stop();
   actions_.close();
   keep_settings();
+  // The last, as the process may end there.
+  updates_.end();
 }
 
 void UninstallDlg::keep_settings() noexcept {
@@ -399,6 +404,7 @@ void UninstallDlg::EndDialog(INT_PTR result) {
   cycle_.end();
   // A pass that runs leaves out the sources after the one that it is in.
   reader_.stop(ORLO::ActiveObject::WaitMode::none);
+  updates_.begin_end();
   // An open menu would keep its own message loop, and with it the dialog's, from ending.
   EndMenu();
   due_result_ = result;

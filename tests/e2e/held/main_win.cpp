@@ -33,7 +33,8 @@
 #include "platform/accounts.h"
 #include "platform/installer.h"
 #include "platform/wmi.h"
-#include "start/program.h"
+#include "start/system_services.h"
+#include "view/addresses.h"
 
 namespace {
 
@@ -216,42 +217,28 @@ class HeldClock : public ORLO::Clock {
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR command_line, int) {
   Points points;
   int sources = 0;
-  const auto registry = make_system_registry();
-  const auto files = make_system_files();
+  SystemServices system(ZOLVANE_UPDATE_URL);
+  const ProgramServices services = system.services();
   const HookedRegistry* held = nullptr;
-  HeldRegistry held_registry(points, *registry, [&](const std::string& operation, uint32_t index) {
-    if (points.on_main_thread()) {
-      if (operation == "open") points.reach("start");
-    } else if (operation == "subkey_at" && index == 0) {
-      if (sources++ % 3 == 0) {
-        append_line("ZOLVANE_LIVE",
-                    std::to_string(ORLO::live_handles()) + " " + std::to_string(held->open_keys()));
-      }
-      points.reach("source" + std::to_string(sources));
-    }
-  });
+  HeldRegistry held_registry(
+      points, services.registry, [&](const std::string& operation, uint32_t index) {
+        if (points.on_main_thread()) {
+          if (operation == "open") points.reach("start");
+        } else if (operation == "subkey_at" && index == 0) {
+          if (sources++ % 3 == 0) {
+            append_line("ZOLVANE_LIVE", std::to_string(ORLO::live_handles()) + " " +
+                                            std::to_string(held->open_keys()));
+          }
+          points.reach("source" + std::to_string(sources));
+        }
+      });
   held = &held_registry;
-  const HeldClock clock(ORLO::system_clock(), points);
-  const auto shell = make_system_shell();
-  const auto icons = make_system_icon_extractor();
-  HeldExtractor held_icons(*icons, points);
-  const auto installer = make_system_installer();
-  HeldInstaller held_installer(*installer, points);
-  const auto wmi = make_system_wmi();
-  HeldWmi held_wmi(*wmi, points);
-  const auto accounts = make_system_accounts();
-  const auto storage = make_system_storage();
-  const auto inspected_installer = make_system_installer();
-  const auto databases = make_system_installer_databases();
-  return run_program(instance, command_line,
-                     {held_registry,
-                      *files,
-                      clock,
-                      *shell,
-                      held_icons,
-                      held_installer,
-                      held_wmi,
-                      *accounts,
-                      *storage,
-                      {*inspected_installer, *databases}});
+  const HeldClock clock(services.clock, points);
+  HeldExtractor held_icons(services.icons, points);
+  HeldInstaller held_installer(services.installer, points);
+  HeldWmi held_wmi(services.wmi, points);
+  return run_program(
+      instance, command_line,
+      {held_registry, services.files, clock, services.shell, held_icons, held_installer, held_wmi,
+       services.accounts, services.storage, services.inspection, services.update});
 }
