@@ -17,9 +17,12 @@
 #include "orlo/window_helpers.h"
 #include "platform/icons.h"
 #include "platform/memory_installer_database.h"
+#include "platform/memory_internet.h"
+#include "platform/memory_own_key.h"
 #include "platform/memory_registry.h"
 #include "platform/memory_shell.h"
 #include "platform/memory_storage.h"
+#include "platform/memory_temporary_files.h"
 #include "platform/resource_ids.h"
 #include "view/later_script_test_support.h"
 #include "view/uninstall_dlg.h"
@@ -138,8 +141,15 @@ class UninstallDlgTest : public testing::Test {
           list = GetDlgItem(made, IDC_LIST);
           return std::make_unique<UninstallDlg>(
               made, std::make_unique<UninstallDlgPara>(para), resources,
-              DialogServices{
-                  reader_services(), shell, icons, storage, {inspected_installer, databases}});
+              DialogServices{reader_services(),
+                             shell,
+                             icons,
+                             storage,
+                             {inspected_installer, databases},
+                             {background_internet, manual_internet, own_key, temporary_files, "",
+                              [this] { end_process(); }},
+                             update_settings,
+                             checks_for_updates});
         });
   }
 
@@ -187,6 +197,10 @@ class UninstallDlgTest : public testing::Test {
   String text_of(int control) const { return ORLO::window_text(GetDlgItem(window, control)); }
   void command(unsigned id) const { SendMessageA(window, WM_COMMAND, id, 0); }
 
+  static std::string system_temporary_folder() {
+    char path[MAX_PATH] = "";
+    return std::string(path, GetTempPathA(MAX_PATH, path));
+  }
   static void apply_language() { ++languages; }
   /// How many threads have set theirs.
   static inline std::atomic<int> languages{0};
@@ -204,6 +218,14 @@ class UninstallDlgTest : public testing::Test {
   MemoryStorage storage;
   MemoryInstaller inspected_installer;
   MemoryInstallerDatabases databases;
+  MemoryInternet background_internet;
+  MemoryInternet manual_internet;
+  MemoryOwnKey own_key;
+  FolderTemporaryFiles temporary_files{system_temporary_folder()};
+  UpdateSettings update_settings;
+  bool checks_for_updates = false;
+  /// What comes in the place of the process's end, on the thread that asks for it.
+  std::function<void()> end_process = [] { ADD_FAILURE() << "the process would have ended"; };
   GatedIcons icons;
   HWND window = nullptr;
   HWND list = nullptr;

@@ -66,7 +66,7 @@ def test_it_holds_every_topic_as_written(unpacked):
 
 def test_it_is_there_in_both_languages(pages):
     assert topics(pages, "en") == topics(pages, "de")
-    assert len(topics(pages, "en")) == 10
+    assert len(topics(pages, "en")) == 11
 
 
 def test_every_link_leads_to_a_file_of_it(pages, unpacked):
@@ -121,6 +121,10 @@ NEEDED = {
                    ["xls", "Semikolon", "65.535", "Codepage", "-export", ".ndjson", "mit 0, oder mit 2"]),
     "files.htm": (["%LOCALAPPDATA%\\Quillmere", "zolvane-cfg.xml", "zolvane-hist.xml",
                    "zolvane-imagelist.dat", "zolvane-imagepaths.txt"],) * 2,
+    "updates.htm": (["first start of a day", "-noupdate", "-nopersist", "Message",
+                     "Show PAD information ..."],
+                    ["ersten Start am Tag", "-noupdate", "-nopersist", "Hinweismeldung",
+                     "PAD-Anzeige ..."]),
     "limits.htm": (["other users", "only one line can show", "what an installer registered"],
                    ["anderer Benutzer", "nur eine Zeile erscheinen kann",
                     "was ein Installationsprogramm"]),
