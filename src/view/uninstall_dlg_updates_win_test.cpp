@@ -239,9 +239,9 @@ TEST_F(UpdatingUninstallDlgTest, DownloadsOnDemandWithTheWindowShown) {
 TEST_F(UpdatingUninstallDlgTest, ReportsAFetchOnDemandThatFails) {
   manual_internet.answers.clear();
   open_window(false);
-  CollectedReports reports;
+  ORLO::TestReports reports;
   command(ID_CHECK_VERSION);
-  EXPECT_EQ(reports.size(), 1u);
+  EXPECT_EQ(reports.shown.size(), 1u);
 }
 
 TEST_F(UpdatingUninstallDlgTest, CloseEndsTheBoxOfACheckOnDemand) {
