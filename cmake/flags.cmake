@@ -1,6 +1,7 @@
 # Compiler and linker settings that hold for all code of the project.
 add_library(zolvane_flags INTERFACE)
-target_include_directories(zolvane_flags INTERFACE ${CMAKE_SOURCE_DIR}/src ${CMAKE_SOURCE_DIR})
+target_include_directories(zolvane_flags INTERFACE
+  ${CMAKE_SOURCE_DIR}/src ${CMAKE_SOURCE_DIR} ${ZOLVANE_SETTINGS_FOLDER})
 target_compile_options(zolvane_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast -Wcast-qual
   -Wnon-virtual-dtor -Woverloaded-virtual -Wformat=2 -Wnull-dereference -Wundef -Werror)

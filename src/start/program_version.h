@@ -1,5 +1,7 @@
 // The program's own version.
 #pragma once
 
-/// As the version resource has it, without the numbers at its end that are 0.
-inline constexpr char kProgramVersion[] = "5.3";
+#include "version_settings.h"
+
+/// As the publisher writes it; the version resource has it as four numbers.
+inline constexpr char kProgramVersion[] = ZOLVANE_VERSION;

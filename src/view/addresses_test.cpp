@@ -7,8 +7,7 @@
 namespace {
 
 TEST(Addresses, AreSecureAndUnderTheReservedDomainUntilAPublisherSetsThem) {
-  for (const std::string address :
-       {ZOLVANE_HOME_PAGE, ZOLVANE_ISSUE_TRACKER, ZOLVANE_UPDATE_URL}) {
+  for (const std::string address : {ZOLVANE_HOME_PAGE, ZOLVANE_ISSUE_TRACKER, ZOLVANE_UPDATE_URL}) {
     SCOPED_TRACE(address);
     EXPECT_EQ(address.rfind("https://example.org/", 0), 0u);
   }
