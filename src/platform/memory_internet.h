@@ -9,15 +9,19 @@
 #include <string>
 #include <vector>
 
+#include "orlo/thread.h"
+#include "platform/body_sink.h"
 #include "platform/internet.h"
 
-/// Answers each address with what it was told; others fail as a name that doesn't resolve.
+/// Answers each address with what it was told; others fail as a name that doesn't resolve. cancel()
+/// and what tells of it may be called on any thread.
 class MemoryInternet : public Internet {
  public:
   struct Answer {
     std::string body;
     std::optional<int64_t> length;  ///< what the server tells; none if it tells nothing
     uint32_t error = 0;             ///< when the body is through; 0 for none
+    bool endless = false;           ///< nothing comes after the body until cancel()
   };
   /// A request as it came.
   struct Request {
@@ -38,9 +42,13 @@ class MemoryInternet : public Internet {
                 TransferProgress* progress) override;
   std::optional<bool> is_offline() override;
   std::optional<String> url_path(const char* url) override;
-  void cancel() noexcept override { cancelled_ = true; }
+  void cancel() noexcept override;
   bool cancelled() const noexcept { return cancelled_; }
 
  private:
+  bool send(const Answer& answer, BodySink& sink);
+  void check_cancelled() const;
+
   std::atomic<bool> cancelled_{false};
+  ORLO::Event cancel_event_;
 };
