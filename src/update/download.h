@@ -21,6 +21,8 @@ class Download {
   bool downloadAndRun(const PadInfo& info) const;
 
  private:
+  String fetch_shown(const PadInfo& info, ShownDownload& shown) const;
+
   const UpdateSettings& settings_;
   const UpdateServices& services_;
   UpdateFrame& frame_;

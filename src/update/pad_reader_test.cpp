@@ -11,6 +11,8 @@
 
 namespace {
 
+constexpr size_t kMegabyte = size_t{1} << 20;
+
 PadInfo good_info(const std::string& text) {
   const ReadPad read = read_pad_text(text);
   EXPECT_TRUE(read.good);
@@ -249,25 +251,24 @@ TEST(PadReader, LeavesWhatItCannotUseUntouched) {
 
 TEST(PadReader, BearsAMegabyteOfNesting) {
   std::string text = "<XML_DIZ_INFO>";
-  while (text.size() < 1024 * 1024)
+  while (text.size() < kMegabyte)
     text += "<a>";
   EXPECT_TRUE(read_pad_text(text).good);
-  std::string closed = "<XML_DIZ_INFO>";
-  std::string ends = "</XML_DIZ_INFO>";
-  while (closed.size() < 512 * 1024) {
-    closed += "<Program_Info>";
-    ends.insert(0, "</Program_Info>");
-    if (ends.size() > 64 * 1024) break;
+  std::string begins = "<XML_DIZ_INFO>";
+  std::string ends;
+  while (begins.size() < kMegabyte) {
+    begins += "<Program_Info>";
+    ends += "</Program_Info>";
   }
-  EXPECT_TRUE(read_pad_text(closed + ends).good);
+  EXPECT_TRUE(read_pad_text(begins + ends + "</XML_DIZ_INFO>").good);
 }
 
 TEST(PadReader, BearsAMegabyteOfAttributesAndOfOneTag) {
   std::string tag = "<XML_DIZ_INFO";
-  for (int i = 0; tag.size() < 1024 * 1024; ++i)
+  for (int i = 0; tag.size() < kMegabyte; ++i)
     tag += " a" + std::to_string(i) + "='x'";
   EXPECT_TRUE(read_pad_text(tag + "></XML_DIZ_INFO>").good);
-  EXPECT_TRUE(read_pad_text("<XML_DIZ_INFO></XML_DIZ_INFO>" + std::string(1024 * 1024, '<')).good);
+  EXPECT_TRUE(read_pad_text("<XML_DIZ_INFO></XML_DIZ_INFO>" + std::string(kMegabyte, '<')).good);
 }
 
 TEST(PadReader, ReadsVersionsOfTenThousandCharacters) {
