@@ -26,6 +26,15 @@ class UpdateCheck {
                        const String& systemText);
 
  private:
+  /// Notes that there is an attempt today. False if there has been one before; true, too, if there
+  /// is nowhere to note it. Throws SDKException if it can't be written.
+  bool note_attempt() const;
+  void look_for_new_version();
+  void offer(const PadInfo& info);
+  void show_messages(const PadInfo& info);
+  /// Two formats as one: what fills the first must not be taken for a format itself.
+  String joined(unsigned headline, unsigned question) const;
+
   const UpdateSettings settings_;
   const UpdateServices services_;
   UpdateFrame& frame_;
