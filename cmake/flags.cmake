@@ -27,8 +27,9 @@ if(WIN32)
   # 0x0601: the oldest system the program is built for. ANSI API on purpose: all text is 8-bit.
   target_compile_definitions(zolvane_flags INTERFACE
     WINVER=0x0601 _WIN32_WINNT=0x0601 _WIN32_IE=0x0800 NOMINMAX WIN32_LEAN_AND_MEAN STRICT)
-  # What leaves the build machine doesn't name its folders.
-  add_compile_options(-ffunction-sections -fdata-sections -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
+  # What leaves the build machine doesn't name its folders. The last option that fits counts.
+  add_compile_options(-ffunction-sections -fdata-sections
+    -ffile-prefix-map=${CMAKE_SOURCE_DIR}/= -ffile-prefix-map=${CMAKE_BINARY_DIR}/=)
   add_link_options(-static -static-libgcc -static-libstdc++ -Wl,--gc-sections)
 else()
   find_package(Threads REQUIRED)
