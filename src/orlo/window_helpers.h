@@ -15,8 +15,9 @@ void center_window(HWND window);
 void shrink_to_work_area(HWND window);
 /// Gives the window another menu and destroys the one it had.
 void replace_menu(HWND window, OwnedMenu menu);
-/// Ends the boxes and dialogs of a thread that were opened, maybe by way of others, from `base`:
-/// closes them, or answers No where a question can't be closed. Doesn't wait for their end.
+/// Ends the boxes and dialogs of a thread that were opened, maybe by way of others, from `base`, or
+/// all of them without one: closes them, or answers No where a question can't be closed. Doesn't
+/// wait for their end.
 void end_windows_above(HWND base, DWORD thread) noexcept;
 /// Keeps a control from drawing itself, which then is drawn as a whole.
 class FrozenDrawing {

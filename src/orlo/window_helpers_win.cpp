@@ -61,9 +61,8 @@ void end_box(HWND box) {
 
 BOOL CALLBACK end_if_above(HWND window, LPARAM base) {
   const auto below = reinterpret_cast<HWND>(base);
-  if (window != below && IsWindowVisible(window) && GetAncestor(window, GA_ROOTOWNER) == below) {
-    end_box(window);
-  }
+  const bool above = window != below && GetAncestor(window, GA_ROOTOWNER) == below;
+  if (IsWindowVisible(window) && (above || below == nullptr)) end_box(window);
   return TRUE;
 }
 

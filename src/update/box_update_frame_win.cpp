@@ -31,5 +31,6 @@ std::unique_ptr<ShownDownload> BoxUpdateFrame::show_download(const String& url) 
 
 void BoxUpdateFrame::close_boxes() noexcept {
   closing_ = true;
-  if (const uint32_t thread = thread_) ORLO::end_windows_above(window_, thread);
+  // Whatever the thread shows: the main window, from which it was opened, may be gone already.
+  if (const uint32_t thread = thread_) ORLO::end_windows_above(nullptr, thread);
 }

@@ -203,6 +203,29 @@ TEST_F(UpdatingUninstallDlgTest, CloseIsNotHeldUpByADownloadsDialogThatNobodySer
   EXPECT_TRUE(shell.starts().empty());
 }
 
+TEST_F(UpdatingUninstallDlgTest, TheWindowsDestructionEndsAQuestionOfTheCheck) {
+  open_window();
+  ASSERT_TRUE(pump_until([] { return shown(kCheckTitle); }));
+  DestroyWindow(window);
+  EXPECT_FALSE(IsWindow(window));
+  EXPECT_EQ(box(kCheckTitle), nullptr);
+}
+
+TEST_F(UpdatingUninstallDlgTest, TheWindowsDestructionIsNotHeldUpByADownloadsDialog) {
+  int ends = 0;
+  end_process = [&] {
+    ++ends;
+    fetching.open();
+  };
+  open_window();
+  ASSERT_TRUE(pump_until([] { return shown(kCheckTitle); }));
+  fetching.shut();
+  press(kCheckTitle, IDYES);
+  ASSERT_TRUE(pump_until([this] { return fetching.reached(); }));
+  DestroyWindow(window);
+  EXPECT_EQ(ends, 1);
+}
+
 TEST_F(UpdatingUninstallDlgTest, ChecksOnDemandOnItsOwnThreadAndTellsTheVersions) {
   offer("5.3");
   open_window(false);
