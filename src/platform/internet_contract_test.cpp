@@ -34,7 +34,8 @@ class MemoryInternetBed final : public InternetBed {
     std::vector<ServerRequest> requests;
     for (const MemoryInternet::Request& request : internet_.requests) {
       const bool fresh = (request.flags & kFetchNoCache) != 0;
-      requests.push_back({"GET", request.agent, request.referrer, fresh ? "no-cache" : ""});
+      requests.push_back(
+          {"GET", request.url, request.agent, request.referrer, fresh ? "no-cache" : ""});
     }
     return requests;
   }
@@ -226,12 +227,12 @@ TEST_P(InternetContract, FailsIfTheLineBreaksBeforeTheHeaders) {
   EXPECT_EQ(fetch_answer(answer).complete, std::nullopt);
 }
 
-TEST_P(InternetContract, FailsIfTheLineBreaksInTheBody) {
+// Not every system tells a line that breaks from a body's end.
+TEST_P(InternetContract, CountsABodyInWhichTheLineBreaksAsIncompleteIfItDoesNotFail) {
   ServerAnswer answer{text_of(3000), "5000"};
   answer.resets = true;
   const Fetched fetched = fetch_answer(answer);
-  EXPECT_EQ(fetched.complete, std::nullopt);
-  EXPECT_NE(fetched.error, 0u);
+  EXPECT_NE(fetched.complete, true);
   EXPECT_EQ(fetched.body, text_of(fetched.body.size()));
 }
 

@@ -28,6 +28,7 @@ struct ServerAnswer {
 /// What the server was asked.
 struct ServerRequest {
   std::string method;
+  std::string target;  ///< as it stands in its first line; by a proxy the whole address
   std::string agent;
   std::string referrer;
   std::string pragma;
