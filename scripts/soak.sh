@@ -31,6 +31,7 @@ max_len() {
     usage_cache) echo 560 ;;
     image_list) echo 512 ;;
     package_file) echo 4096 ;;
+    pad) echo 512 ;;
     reg_text) echo 256 ;;
     update_key) echo 32 ;;
     xml_reader) echo 128 ;;
@@ -51,6 +52,7 @@ sources() {
     image_list) echo src/platform/image_list_bytes.cpp ;;
     package_file) echo src/platform/package_file_check.cpp ;;
     image_paths) echo src/persist/image_paths.cpp ;;
+    pad) echo src/update/pad_reader.cpp src/update/update_check.cpp src/update/download.cpp ;;
     file_text)
       echo src/orlo/buffered_in.cpp src/orlo/buffered_in_text.cpp src/orlo/read_line.cpp
       ;;
