@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Installs what building, testing and running need on Debian 12, and only what is missing.
-#   scripts/setup.sh        everything
-#   scripts/setup.sh run    only what scripts/run.sh needs
-#   scripts/setup.sh tests  only what running built win32 tests needs; on Debian 13, too
-#   scripts/setup.sh fleet  only what scripts/fleet.sh needs, which no other purpose brings
+#   scripts/setup.sh          everything
+#   scripts/setup.sh run      only what scripts/run.sh needs
+#   scripts/setup.sh tests    only what running built win32 tests needs; on Debian 13, too
+#   scripts/setup.sh release  only what scripts/release.sh needs
+#   scripts/setup.sh fleet    only what scripts/fleet.sh needs, which no other purpose brings
 set -euo pipefail
 
 readonly purpose=${1:-all}
@@ -26,6 +27,8 @@ readonly test_run_packages=(
 readonly test_packages=(
   clang clang-format clang-tidy g++ g++-mingw-w64-x86-64-posix libbenchmark-dev
   libclang-rt-14-dev libgmock-dev libgtest-dev libxml2-dev python3-xlwt shellcheck)
+# nsis: the compiler of the setup. osslsigncode: signs it.
+readonly release_packages=(git nsis osslsigncode python3)
 readonly fleet_packages=(postgresql python3 rsyslog rsyslog-pgsql)
 # "NAME SOURCE", as localedef takes them.
 readonly wanted_locales=("en_GB.UTF-8 en_GB" "de_DE.UTF-8 de_DE")
@@ -133,11 +136,13 @@ make_locales() {
 
 case $purpose in
   all) install_missing "${build_packages[@]}" "${screen_packages[@]}" "${run_packages[@]}" \
-         "${test_packages[@]}" "${test_run_packages[@]}" ;;
+         "${test_packages[@]}" "${test_run_packages[@]}" "${release_packages[@]}" ;;
   run) install_missing "${build_packages[@]}" "${screen_packages[@]}" "${run_packages[@]}" ;;
   tests) install_missing "${screen_packages[@]}" "${run_packages[@]}" "${test_run_packages[@]}" ;;
+  release) install_missing "${build_packages[@]}" "${release_packages[@]}"
+    echo "setup: everything needed is installed"; exit ;;
   fleet) install_fleet; echo "setup: everything needed is installed"; exit ;;
-  *) echo "usage: $0 [run | tests | fleet]" >&2; exit 2 ;;
+  *) echo "usage: $0 [run | tests | release | fleet]" >&2; exit 2 ;;
 esac
 add_pointer_library
 install_wine
