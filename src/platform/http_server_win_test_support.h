@@ -67,7 +67,8 @@ class Listener {
     u_long at_once = waits ? 0 : 1;
     ioctlsocket(client.get(), static_cast<long>(FIONBIO), &at_once);
     const sockaddr_in address = loopback(port_);
-    ::connect(client.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    static_cast<void>(
+        ::connect(client.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address));
     return client;
   }
 

@@ -5,6 +5,8 @@
 #include <windows.h>
 #include <wininet.h>
 
+#include <array>
+
 #include "orlo/module_functions.h"
 #include "platform/system_internet.h"
 
@@ -78,10 +80,12 @@ class Proxy {
   void enable(DWORD on) const {
     RegSetValueExA(key_.get(), "ProxyEnable", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&on),
                    sizeof on);
-    const auto set_option = ORLO::system_functions().require<decltype(&InternetSetOptionA)>(
-        "wininet.dll", "InternetSetOptionA");
-    set_option(nullptr, INTERNET_OPTION_SETTINGS_CHANGED, nullptr, 0);
+    set_option_(nullptr, INTERNET_OPTION_SETTINGS_CHANGED, nullptr, 0);
   }
+
+  const decltype(&InternetSetOptionA) set_option_ =
+      ORLO::system_functions().require<decltype(&InternetSetOptionA)>("wininet.dll",
+                                                                      "InternetSetOptionA");
   const ORLO::OwnedHandle<KeyTraits> key_;
 };
 
@@ -160,9 +164,9 @@ TEST_F(SystemInternet, LeavesAConnectionThatIsNotTakenWhenItIsCancelled) {
   const Sockets sockets;
   const Listener listener(0);
   // Fills the queue of connections that nobody has accepted.
-  std::vector<OwnedSocket> waiting;
-  for (int i = 0; i < 4; ++i)
-    waiting.push_back(listener.connect(false));
+  std::array<OwnedSocket, 4> waiting;
+  for (OwnedSocket& one : waiting)
+    one = listener.connect(false);
   std::thread other([this] {
     Sleep(300);
     internet_->cancel();

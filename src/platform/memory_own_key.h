@@ -26,6 +26,7 @@ class MemoryOwnKey : public OwnKey {
   std::string whole_name(const char* name) const { return path_ + ": " + name; }
 
   bool opens_ = true;
+  bool open_ = false;
   RegStatus write_status_ = kRegSuccess;
   std::string path_;
 };

@@ -8,6 +8,7 @@ class SystemOwnKey final : public OwnKey {
  public:
   bool open(const char* path) override {
     key_.close();
+    if (names_no_key(path)) return false;
     HKEY opened = nullptr;
     if (RegCreateKeyExA(HKEY_CURRENT_USER, path, 0, nullptr, 0, KEY_READ | KEY_WRITE, nullptr,
                         &opened, nullptr) != ERROR_SUCCESS) {
