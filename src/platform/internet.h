@@ -47,8 +47,10 @@ class Internet {
   /// The path of an address with what follows it (InternetCrackUrlA); none if it isn't understood,
   /// or the path doesn't fit into 260 characters.
   virtual std::optional<String> url_path(const char* url) = 0;
-  /// Safe on any thread: as far as the system lets it, the transfer under way fails soon; each
-  /// later one fails at once.
+  /// Safe on any thread, and more than once: the transfer under way fails at once, with
+  /// ERROR_INTERNET_OPERATION_CANCELLED (12017), whatever the server does; so does each later one.
+  /// What the system is still at goes on unseen until its own limits of time, on a thread that a
+  /// process need not wait for.
   virtual void cancel() noexcept = 0;
 };
 

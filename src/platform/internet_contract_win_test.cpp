@@ -6,6 +6,7 @@
 #include <wininet.h>
 
 #include <array>
+#include <cstdlib>
 
 #include "orlo/module_functions.h"
 #include "platform/system_internet.h"
@@ -181,6 +182,47 @@ TEST_F(SystemInternet, FetchesMegabytesAsTheyCome) {
   const Fetched fetched = fetch_answer({body, std::to_string(body.size())});
   EXPECT_EQ(fetched.complete, true);
   EXPECT_TRUE(fetched.body == body);
+}
+
+/// Against a server whose certificate nobody vouches for. It says "safe" at any address, but leads
+/// from /redirect to an address that isn't secure, and from /inside to one that is.
+class SecureInternet : public testing::Test {
+ protected:
+  void SetUp() override {
+    const char* const server = std::getenv("ZOLVANE_SECURE_SERVER");
+    if (server == nullptr) GTEST_SKIP() << "tests/e2e/test_secure_addresses.py has the server";
+    server_ = server;
+  }
+  Fetched fetch_path(const char* path, uint32_t flags) {
+    return fetch(*internet_, server_ + path, kTestLimit, flags);
+  }
+
+  std::string server_;
+  const std::unique_ptr<Internet> internet_ = make_system_internet();
+};
+
+TEST_F(SecureInternet, FailsIfNobodyVouchesForTheServer) {
+  const Fetched fetched = fetch_path("/x", 0);
+  EXPECT_EQ(fetched.error, static_cast<uint32_t>(ERROR_INTERNET_INVALID_CA));
+  EXPECT_EQ(fetched.body, "");
+}
+
+TEST_F(SecureInternet, LetsThatPassOnDemand) {
+  const Fetched fetched = fetch_path("/x", kFetchIgnoreCertName);
+  EXPECT_EQ(fetched.complete, true);
+  EXPECT_EQ(fetched.body, "safe");
+}
+
+TEST_F(SecureInternet, FailsAtARedirectThatIsNotSecure) {
+  const Fetched fetched = fetch_path("/redirect", kFetchIgnoreCertName);
+  EXPECT_EQ(fetched.error, static_cast<uint32_t>(ERROR_INTERNET_HTTPS_TO_HTTP_ON_REDIR));
+  EXPECT_EQ(fetched.body, "");
+}
+
+TEST_F(SecureInternet, FollowsARedirectThatIsSecure) {
+  const Fetched fetched = fetch_path("/inside", kFetchIgnoreCertName);
+  EXPECT_EQ(fetched.complete, true);
+  EXPECT_EQ(fetched.body, "safe");
 }
 
 TEST(OfflineLibrary, IsAskedAndReleased) {
