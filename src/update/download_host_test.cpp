@@ -95,4 +95,17 @@ TEST_F(LinkedFileTest, IsLeftAloneUnderTheSetupsName) {
   EXPECT_EQ(folder_.content("elsewhere"), "kept");
 }
 
+TEST_F(LinkedFileTest, IsLeftAloneUnderTheMarkersName) {
+  const std::string elsewhere = folder_.make("elsewhere", "kept");
+  fs::create_symlink(elsewhere, folder_.path("zolvane.tmp"));
+  serve(kSetupUrl, "new");
+  PadInfo info;
+  info.downloadUrl = kSetupUrl;
+  const UpdateServices all = services();
+  EXPECT_FALSE(Download(settings_, all, frame_).downloadAndRun(info));
+  EXPECT_TRUE(fs::is_symlink(folder_.path("zolvane.tmp")));
+  EXPECT_EQ(folder_.content("elsewhere"), "kept");
+  EXPECT_EQ(shell_.starts().size(), 1u);
+}
+
 }  // namespace

@@ -133,6 +133,7 @@ TEST_F(DownloadTest, NeitherOpensNorReturnsAFileThatItMayNotName) {
 
 TEST_F(DownloadTest, ReturnsNothingWithoutAFolder) {
   NoTemporaryFiles none;
+  fs::remove("zolvane-stray.exe");  // of a run that failed
   serve("http://download.example/zolvane-stray.exe", "x");
   const UpdateServices there{internet_, key_, none, shell_, clock_, nullptr};
   const Download download(settings_, there, frame_);

@@ -218,7 +218,7 @@ TEST(PadReader, TakesTheTextInFrontOfTheFirstChild) {
 
 TEST(PadReader, KeepsMessagesInTheOrderOfTheDocument) {
   const PadInfo info = in_root(
-      "<qm:messages><qm:msg version=\"5.3\" id=\"WIN1\">b</qm:msg><other>x</other>"
+      "<qm:messages><other>x</other><qm:msg version=\"5.3\" id=\"WIN1\">b</qm:msg>"
       "<qm:msg>a</qm:msg><qm:msg id='&lt;'/></qm:messages>"
       "<qm:messages><qm:msg>not this one</qm:msg></qm:messages><qm:msg>nor this</qm:msg>");
   ASSERT_EQ(info.messages.size(), 3u);

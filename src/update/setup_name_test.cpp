@@ -23,6 +23,8 @@ TEST(SetupName, MayBeAnyFileName) {
                            "com",
                            "com0.exe",
                            "com10",
+                           "com12",
+                           "lpt-1.exe",
                            "lpt",
                            "auxiliary",
                            "xcon",
