@@ -6,6 +6,8 @@
 #include <string>
 
 #include "inventory/text_helpers.h"
+#include "orlo/assertion.h"
+#include "orlo/report_test_support.h"
 #include "orlo/system_time.h"
 #include "update/pad_test_support.h"
 
@@ -193,6 +195,29 @@ TEST(PadReader, BearsSixteenBitText) {
     wide += '\0';
   }
   EXPECT_FALSE(read_pad_text("\xff\xfe" + wide).good);
+}
+
+/// As in each document of this program: the library reports it once, and reads on.
+class PadReaderAssertion : public testing::Test {
+ protected:
+  PadReaderAssertion() { ORLO::forget_failed_assertions(); }
+  ~PadReaderAssertion() override { ORLO::forget_failed_assertions(); }
+  const ORLO::TestReports reports_;
+};
+
+TEST_F(PadReaderAssertion, FailsOnceForEndTagsThatEndNothing) {
+  for (int i = 0; i < 2; ++i)
+    EXPECT_FALSE(read_pad_text("</html></html>").good);
+  EXPECT_TRUE(read_pad_text("</a><XML_DIZ_INFO></XML_DIZ_INFO></b>").good);
+  EXPECT_EQ(reports_.shown.size(), 1u);
+}
+
+TEST_F(PadReaderAssertion, FailsForAnotherEncodingThanThatOfTheMark) {
+  const PadInfo info = good_info(
+      "\xef\xbb\xbf<?xml version=\"1.0\" encoding=\"utf-16\"?><XML_DIZ_INFO>"
+      "<Company_Info><Company_Name>\xc3\xbc</Company_Name></Company_Info></XML_DIZ_INFO>");
+  EXPECT_STREQ(info.companyName.c_str(), "\xfc");
+  EXPECT_EQ(reports_.shown.size(), 1u);
 }
 
 TEST(PadReader, DropsBlanksAtTheEndOfAText) {
