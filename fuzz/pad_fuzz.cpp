@@ -12,7 +12,6 @@
 #include "inventory/text_helpers.h"
 #include "orlo/exception.h"
 #include "orlo/fixed_clock.h"
-#include "orlo/report.h"
 #include "platform/memory_own_key.h"
 #include "update/pad_reader.h"
 #include "update/update_check.h"
@@ -35,12 +34,6 @@ std::string_view view(const String& text) {
 bool holds(std::string_view text, const String& piece) {
   return text.find(piece.c_str()) != std::string_view::npos;
 }
-
-/// Foreign documents fail assertions of the XML library; nobody is there to see them.
-const bool kSilent = [] {
-  ORLO::set_report_sink([](const String&, const String&) {});
-  return true;
-}();
 
 struct Options {
   explicit Options(uint8_t bits)

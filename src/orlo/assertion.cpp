@@ -10,6 +10,8 @@
 namespace ORLO {
 namespace {
 
+thread_local int untold_depth = 0;
+
 struct Failed {
   const char* expression;
   const char* source;
@@ -41,6 +43,7 @@ void take_back(const Failed& failed) {
 }  // namespace
 
 void assertion_failed(const char* expression, const char* source, int line) noexcept {
+  if (untold_depth > 0) return;
   const Failed failed{expression, source};
   try {
     // Noted before it is shown: the box lets messages flow, and the next one may fail alike.
@@ -49,6 +52,14 @@ void assertion_failed(const char* expression, const char* source, int line) noex
   } catch (...) {
     // Without memory for the note it goes unreported; whoever asserted goes on all the same.
   }
+}
+
+UntoldAssertions::UntoldAssertions() noexcept {
+  ++untold_depth;
+}
+
+UntoldAssertions::~UntoldAssertions() {
+  --untold_depth;
 }
 
 void forget_failed_assertions() noexcept {

@@ -14,6 +14,16 @@ inline bool check_assertion(bool holds, const char* expression, const char* sour
   return holds;
 }
 
+/// While one lives, this thread's failed assertions aren't told to anybody: for input of strangers,
+/// whose faults are none of this program's. Nestable.
+class UntoldAssertions {
+ public:
+  UntoldAssertions() noexcept;
+  ~UntoldAssertions();
+  UntoldAssertions(const UntoldAssertions&) = delete;
+  UntoldAssertions& operator=(const UntoldAssertions&) = delete;
+};
+
 /// Forgets which expressions have been reported, for tests.
 void forget_failed_assertions() noexcept;
 

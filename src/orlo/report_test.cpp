@@ -164,6 +164,17 @@ TEST_F(Assertion, WhoseReportWasDroppedIsReportedTheNextTime) {
   EXPECT_EQ(reports.shown.size(), 2u);
 }
 
+TEST_F(Assertion, IsUntoldInAScopeForItAndToldAfterIt) {
+  {
+    const UntoldAssertions outer;
+    { const UntoldAssertions inner; }
+    EXPECT_FALSE(check_assertion(false, "x", "test", 1));
+  }
+  EXPECT_TRUE(reports.shown.empty());
+  EXPECT_FALSE(check_assertion(false, "x", "test", 1));
+  EXPECT_EQ(reports.shown.size(), 1u);
+}
+
 TEST_F(Assertion, IsSilentDuringShutDown) {
   const TestShutdown shutdown;
   EXPECT_FALSE(check_assertion(false, "InShutDown==1", "shutdown", 1));

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "inventory/text_helpers.h"
+#include "orlo/assertion.h"
 #include "trellis/trellis.h"
 
 namespace {
@@ -61,6 +62,8 @@ bool is_for(const String& wanted, const String& actual) noexcept {
 }  // namespace
 
 bool read_pad(std::istream& stream, PadInfo& info) {
+  // A page of some network's own may come in the description's place, with whatever is in it.
+  const ORLO::UntoldAssertions untold;
   Trellis::XMLDoc doc;
   Trellis::XMLReader reader(doc, stream);
   if (!doc.read(reader, nullptr)) return false;

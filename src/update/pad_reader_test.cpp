@@ -197,7 +197,7 @@ TEST(PadReader, BearsSixteenBitText) {
   EXPECT_FALSE(read_pad_text("\xff\xfe" + wide).good);
 }
 
-/// As in each document of this program: the library reports it once, and reads on.
+/// In a document of this program the library would report it; a server may send what it likes.
 class PadReaderAssertion : public testing::Test {
  protected:
   PadReaderAssertion() { ORLO::forget_failed_assertions(); }
@@ -205,19 +205,19 @@ class PadReaderAssertion : public testing::Test {
   const ORLO::TestReports reports_;
 };
 
-TEST_F(PadReaderAssertion, FailsOnceForEndTagsThatEndNothing) {
+TEST_F(PadReaderAssertion, IsNotToldForEndTagsThatEndNothing) {
   for (int i = 0; i < 2; ++i)
     EXPECT_FALSE(read_pad_text("</html></html>").good);
   EXPECT_TRUE(read_pad_text("</a><XML_DIZ_INFO></XML_DIZ_INFO></b>").good);
-  EXPECT_EQ(reports_.shown.size(), 1u);
+  EXPECT_TRUE(reports_.shown.empty());
 }
 
-TEST_F(PadReaderAssertion, FailsForAnotherEncodingThanThatOfTheMark) {
+TEST_F(PadReaderAssertion, IsNotToldForAnotherEncodingThanThatOfTheMark) {
   const PadInfo info = good_info(
       "\xef\xbb\xbf<?xml version=\"1.0\" encoding=\"utf-16\"?><XML_DIZ_INFO>"
       "<Company_Info><Company_Name>\xc3\xbc</Company_Name></Company_Info></XML_DIZ_INFO>");
   EXPECT_STREQ(info.companyName.c_str(), "\xfc");
-  EXPECT_EQ(reports_.shown.size(), 1u);
+  EXPECT_TRUE(reports_.shown.empty());
 }
 
 TEST(PadReader, DropsBlanksAtTheEndOfAText) {
