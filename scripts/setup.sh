@@ -19,9 +19,9 @@ readonly run_packages=(locales tzdata)
 # cmake: with ctest in it. wixl: builds the packages that the tests install. msitools: msibuild and
 # msiinfo, which write and read a package's database without Wine. What reads the exports back: of
 # workbooks python3-xlrd, ssconvert (gnumeric), LibreOffice and xls2csv (catdoc), of the file around
-# them python3-olefile and gsf (libgsf-bin), of JSON lines jq.
+# them python3-olefile and gsf (libgsf-bin), of JSON lines jq. openssl: a secure server's certificate.
 readonly test_run_packages=(
-  cmake libchm-bin msitools python3-pytest python3-pytest-xdist wixl
+  cmake libchm-bin msitools openssl python3-pytest python3-pytest-xdist wixl
   catdoc gnumeric jq libgsf-bin libreoffice-calc-nogui python3-olefile python3-xlrd)
 # python3-xlwt: writes workbooks for the bench to compare with.
 readonly test_packages=(
