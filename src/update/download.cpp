@@ -4,6 +4,7 @@
 #include <fstream>
 #include <string_view>
 
+#include "orlo/exception.h"
 #include "orlo/sync_file.h"
 #include "update/setup_name.h"
 
@@ -51,6 +52,7 @@ void write_marker(const String& marker, const String& path, TemporaryFiles& file
 
 String Download::downloadFile(const String& url, const String& agent,
                               TransferProgress* progress) const {
+  const ORLO::ExceptionContext context("downloading a new version", url);
   const std::optional<String> path = services_.internet.url_path(url.c_str());
   if (!path) return {};
   const char* const slash = std::strrchr(path->c_str(), '/');

@@ -27,6 +27,9 @@ DownloadDlg::DownloadDlg(HWND owner, const Resources& resources, const String& u
   SetDlgItemTextA(window_, IDC_DOWNLOAD_ADDRESS, url.c_str());
   ORLO::center_window(window_);
   ShowWindow(window_, SW_SHOW);
+  // The focus has chosen the whole text, and moved to its end.
+  SendDlgItemMessageA(window_, IDC_DOWNLOAD_ADDRESS, EM_SETSEL, 0, 0);
+  SendDlgItemMessageA(window_, IDC_DOWNLOAD_ADDRESS, EM_SCROLLCARET, 0, 0);
   draw_now(window_);
 }
 

@@ -112,6 +112,7 @@ void UpdateCheck::checkNow() {
 
 bool UpdateCheck::readDescription(PadInfo& info, const String& url, const String& agent,
                                   const String& systemText) {
+  const ORLO::ExceptionContext context("looking for a new version", url);
   const String referrer = String::formatted("%s update check %s", agent, systemText);
   const FetchRequest request{.agent = agent.c_str(),
                              .url = url.c_str(),

@@ -515,6 +515,8 @@ TEST_F(CheckNowTest, PassesOnAFailureOfTheFetch) {
     FAIL() << "nothing thrown";
   } catch (const ORLO::INetException& failure) {
     EXPECT_EQ(failure.code, kNotResolved);
+    EXPECT_STREQ(failure.context.text(), "looking for a new version");
+    EXPECT_STREQ(failure.context.object().c_str(), kDescriptionUrl);
   }
   EXPECT_TRUE(frame_.log.empty());
 }
