@@ -11,10 +11,11 @@ constexpr uint64_t kKilobyte = 1024;
 }  // namespace
 
 std::optional<int> content_length(const char* text) noexcept {
-  constexpr long long kMost = std::numeric_limits<int>::max();
+  using Limits = std::numeric_limits<int>;
+  constexpr int kNone = -1;
   // Runs against its own limits where a number is still longer.
   const long long length = std::strtoll(text, nullptr, 10);
-  if (length < 0 || length > kMost) return std::nullopt;
+  if (length == kNone || length < Limits::min() || length > Limits::max()) return std::nullopt;
   return static_cast<int>(length);
 }
 
@@ -33,5 +34,5 @@ bool BodySink::write(const char* block, size_t size) {
 }
 
 bool BodySink::complete() const noexcept {
-  return !length_ || static_cast<uint64_t>(*length_) == total_;
+  return !length_ || *length_ == static_cast<int64_t>(total_);
 }

@@ -7,7 +7,8 @@
 
 #include "platform/internet.h"
 
-/// A Content-Length as atoi reads it; none if it is negative or more than an int holds.
+/// A Content-Length as atoi reads it; none if it is -1 or no int holds it. No body has a length
+/// below 0, so one that was told such a length is never complete.
 std::optional<int> content_length(const char* text) noexcept;
 
 /// Gives the body of one transfer to its stream, with its limit and its progress.

@@ -9,18 +9,24 @@ namespace {
 
 TEST(ContentLength, IsReadAsANumberThatFitsIntoAnInt) {
   const std::pair<const char*, int> rows[] = {
-      {"", 0},    {"0", 0},      {"17", 17},   {" 17", 17}, {"+17", 17},
-      {"abc", 0}, {"17abc", 17}, {"017", 17},  {"0x11", 0}, {"2147483647", 2147483647},
-      {"-0", 0},  {"1.9", 1},    {"1,900", 1}, {"- 5", 0},
+      {"", 0},       {"0", 0},
+      {"17", 17},    {" 17", 17},
+      {"+17", 17},   {"abc", 0},
+      {"17abc", 17}, {"017", 17},
+      {"0x11", 0},   {"2147483647", 2147483647},
+      {"-0", 0},     {"1.9", 1},
+      {"1,900", 1},  {"- 5", 0},
+      {"-5", -5},    {"-2147483648", -2147483647 - 1},
   };
   for (const auto& [text, length] : rows)
     EXPECT_EQ(content_length(text), length) << text;
 }
 
-TEST(ContentLength, IsNoneIfItIsNegativeOrTooMuch) {
-  for (const char* text : {"-1", "-2147483648", "2147483648", "4294967295", "4294967296",
-                           "9223372036854775807", "9223372036854775808", "18446744073709551617",
-                           "-9223372036854775809", "99999999999999999999999999999999"})
+TEST(ContentLength, IsNoneIfItIsMinus1OrNoIntHoldsIt) {
+  for (const char* text :
+       {"-1", "-2147483649", "2147483648", "4294967295", "4294967296", "4294967299",
+        "9223372036854775807", "9223372036854775808", "18446744073709551617",
+        "-9223372036854775809", "99999999999999999999999999999999"})
     EXPECT_FALSE(content_length(text).has_value()) << text;
 }
 
@@ -55,6 +61,17 @@ TEST(BodySink, IsCompleteAtTheLengthAlone) {
   EXPECT_TRUE(sink.complete());
   sink.write("x", 1);
   EXPECT_FALSE(sink.complete());
+}
+
+TEST(BodySink, IsNeverCompleteAtALengthBelowZero) {
+  std::ostringstream stream;
+  Positions progress;
+  BodySink sink(100, stream, &progress);
+  sink.announce(-5000);
+  EXPECT_FALSE(sink.complete());
+  sink.write("x", 1);
+  EXPECT_FALSE(sink.complete());
+  EXPECT_EQ(progress.ranges, std::vector<int>{-4});
 }
 
 TEST(BodySink, IsCompleteWithoutLength) {

@@ -165,14 +165,19 @@ TEST_P(InternetContract, GoesWithoutProgress) {
   EXPECT_EQ(body.str(), text_of(2000));
 }
 
-TEST_P(InternetContract, CountsALengthThatIsNoNumberOfBytesAsNone) {
-  for (const char* length : {"2147483648", "4294967296", "99999999999999999999", "-1", "-5",
+TEST_P(InternetContract, CountsALengthOfMinus1OrBeyondAnIntAsNone) {
+  for (const char* length : {"2147483648", "4294967296", "99999999999999999999", "-1",
                              "9999999999999999999999999999999999999999"}) {
     const Fetched fetched = fetch_answer({"abc", length});
     EXPECT_EQ(fetched.complete, true) << length;
     EXPECT_EQ(fetched.body, "abc");
     EXPECT_EQ(fetched.progress, Calls{"position 0"}) << length;
   }
+}
+
+TEST_P(InternetContract, CountsABodyToldAsLessThanNothingAsIncomplete) {
+  for (const char* length : {"-2", "-5", "-2147483648"})
+    EXPECT_EQ(fetch_answer({"abc", length}).complete, false) << length;
 }
 
 TEST_P(InternetContract, ReadsALengthUpToWhereItIsANumber) {
