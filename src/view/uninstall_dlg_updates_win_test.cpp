@@ -275,6 +275,38 @@ TEST_F(UpdatingUninstallDlgTest, CloseEndsTheBoxOfACheckOnDemand) {
   EXPECT_TRUE(shell.starts().empty());
 }
 
+TEST_F(UpdatingUninstallDlgTest, ClosesAfterTheFetchOnDemandInWhichItWasAskedTo) {
+  open_window(false);
+  ORLO::TestReports reports;
+  bool stood = false;
+  manual_internet.on_fetch = [&] {
+    PostMessageA(window, WM_CLOSE, 0, 0);
+    Sleep(50);
+    stood = IsWindow(window) != FALSE;
+  };
+  command(ID_CHECK_VERSION);
+  EXPECT_TRUE(stood);
+  EXPECT_TRUE(pump_until([this] { return !IsWindow(window); }));
+  EXPECT_EQ(box(kCheckTitle), nullptr);
+  EXPECT_EQ(manual_internet.requests.size(), 1u);
+  EXPECT_TRUE(shell.starts().empty());
+  EXPECT_TRUE(reports.shown.empty());
+}
+
+TEST_F(UpdatingUninstallDlgTest, ReportsNothingOfWhatItsCloseEnds) {
+  ORLO::TestReports reports;
+  background_internet.answers[kSetup].endless = true;
+  open_window();
+  ASSERT_TRUE(pump_until([] { return shown(kCheckTitle); }));
+  press(kCheckTitle, IDYES);
+  ASSERT_TRUE(pump_until([this] { return fetches == 2; }));
+  close();
+  EXPECT_FALSE(IsWindow(window));
+  EXPECT_EQ(box(kDownloadTitle), nullptr);
+  EXPECT_TRUE(reports.shown.empty());
+  EXPECT_TRUE(shell.starts().empty());
+}
+
 TEST_F(UpdatingUninstallDlgTest, OpensTheDescriptionsAddressWithTheShell) {
   open_window(false);
   command(ID_SHOW_PAD);
