@@ -145,6 +145,36 @@ void private_bytes(const Words& words, Json& answer) {
   answer.number(static_cast<int64_t>(counters.PagefileUsage));
 }
 
+/// next-handle PID: the number that a new handle of the process would have. It grows with those
+/// that are left open.
+void next_handle(const Words& words, Json& answer) {
+  const HANDLE process = started_at(words, 1);
+  HANDLE there = nullptr;
+  if (!DuplicateHandle(GetCurrentProcess(), process, process, &there, 0, FALSE,
+                       DUPLICATE_SAME_ACCESS)) {
+    throw Refusal("no handle can be made there, error " + std::to_string(GetLastError()));
+  }
+  HANDLE here = nullptr;
+  DuplicateHandle(process, there, GetCurrentProcess(), &here, 0, FALSE,
+                  DUPLICATE_CLOSE_SOURCE | DUPLICATE_SAME_ACCESS);
+  const KernelHandle owned(here);
+  answer.number(static_cast<int64_t>(reinterpret_cast<intptr_t>(there)));
+}
+
+/// threads PID: how many the process has.
+void count_threads(const Words& words, Json& answer) {
+  const HANDLE taken = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+  if (taken == INVALID_HANDLE_VALUE) throw Refusal("no list of threads");
+  const KernelHandle snapshot(taken);
+  THREADENTRY32 entry{};
+  entry.dwSize = sizeof entry;
+  int64_t count = 0;
+  for (BOOL more = Thread32First(taken, &entry); more; more = Thread32Next(taken, &entry)) {
+    if (entry.th32OwnerProcessID == static_cast<DWORD>(words.number(1))) ++count;
+  }
+  answer.number(count);
+}
+
 constexpr Command kCommands[] = {
     {"start", start},
     {"wait-exit", wait_exit},
@@ -158,6 +188,8 @@ constexpr Command kCommands[] = {
     {"event-wait", wait_for_event},
     {"event-set", set_event},
     {"memory", private_bytes},
+    {"next-handle", next_handle},
+    {"threads", count_threads},
 };
 
 }  // namespace
