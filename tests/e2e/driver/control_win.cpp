@@ -38,6 +38,16 @@ void list_controls(const Words& words, Json& answer) {
   answer.end_array();
 }
 
+/// control-place DIALOG ID: where it stands on the screen, without a word to its thread, which may
+/// be busy.
+void show_place(const Words& words, Json& answer) {
+  RECT screen{};
+  GetWindowRect(control_of(words), &screen);
+  answer.begin_object();
+  write_rect(answer, "screen", screen);
+  answer.end_object();
+}
+
 /// text DIALOG ID
 void read_text(const Words& words, Json& answer) {
   answer.text(window_text(control_of(words)));
@@ -99,9 +109,16 @@ void list_box_rect(const Words& words, Json& answer) {
 }
 
 constexpr Command kCommands[] = {
-    {"control", show_control}, {"controls", list_controls},       {"text", read_text},
-    {"set-text", set_text},    {"checked", is_checked},           {"check", check},
-    {"command", send_command}, {"combo-select", select_in_combo}, {"list-box-rect", list_box_rect},
+    {"control", show_control},
+    {"controls", list_controls},
+    {"text", read_text},
+    {"set-text", set_text},
+    {"checked", is_checked},
+    {"check", check},
+    {"command", send_command},
+    {"combo-select", select_in_combo},
+    {"list-box-rect", list_box_rect},
+    {"control-place", show_place},
 };
 
 }  // namespace

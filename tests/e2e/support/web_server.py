@@ -199,6 +199,11 @@ class WebServer:
         """All programs of the prefix ask this server from here on."""
         set_proxy(desk, f"127.0.0.1:{self.port}")
 
+    def forget(self):
+        """What it has been told and asked."""
+        self.requests.clear()
+        self.answers.clear()
+
     def close(self):
         self._ended.set()
         self._server.shutdown()
