@@ -16,6 +16,7 @@ class DownloadDlg final : public ShownDownload {
   DownloadDlg& operator=(const DownloadDlg&) = delete;
 
   void set_range(int kilobytes) override;
+  /// The bar stays where it is as long as no range has been told.
   void set_position(int kilobytes) override;
   void close() noexcept override;
 
@@ -26,4 +27,5 @@ class DownloadDlg final : public ShownDownload {
 
   const ORLO::WaitCursor wait_;
   HWND window_;
+  bool has_range_ = false;
 };

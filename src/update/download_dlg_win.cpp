@@ -38,6 +38,7 @@ HWND DownloadDlg::bar() const noexcept {
 }
 
 void DownloadDlg::set_range(int kilobytes) {
+  has_range_ = true;
   if (kilobytes <= kLargestShortRange) {
     SendMessageA(bar(), PBM_SETRANGE, 0, MAKELPARAM(0, kilobytes));
   } else {
@@ -46,6 +47,8 @@ void DownloadDlg::set_range(int kilobytes) {
 }
 
 void DownloadDlg::set_position(int kilobytes) {
+  // In the range that a bar has by itself it would be full after 100 kilobytes of any download.
+  if (!has_range_) return;
   SendMessageA(bar(), PBM_SETPOS, static_cast<WPARAM>(kilobytes), 0);
   draw_now(window_);
 }
