@@ -23,13 +23,14 @@ build() {
 collect() {
   local corpus
   rm -rf "$folder"
-  mkdir -p "$folder/tests" "$folder/testdata/fuzz"
+  mkdir -p "$folder/tests" "$folder/testdata/fuzz" "$folder/testdata/packaging"
   cp build/win32/zolvane.exe build/win32/zolvane.chm "$folder"
   find build/win32 -name '*_tests.exe' -exec cp -t "$folder/tests" {} +
   # The foundation's tests look for it beside them.
   cp -r build/win32/orlocore "$folder/tests"
   corpus=$folder/testdata/fuzz/corpus
   cp -r fuzz/corpus "$corpus"
+  cp packaging/zolvane-pad.xml "$folder/testdata/packaging"
   with_crlf scripts/bundle/run-tests.cmd "$folder/run-tests.cmd"
   with_crlf docs/windows-checklist.md "$folder/windows-checklist.txt"
 }
