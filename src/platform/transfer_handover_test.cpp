@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <functional>
+#include <iterator>
 #include <thread>
 
 namespace {
@@ -71,6 +74,45 @@ TEST_F(TransferHandoverTest, HasNoErrorAtAGoodEnd) {
   ASSERT_TRUE(arrival.has_value());
   ASSERT_TRUE(arrival->end.has_value());
   EXPECT_FALSE(arrival->end->error.has_value());
+}
+
+TEST_F(TransferHandoverTest, WakesAWaitingCallerForWhateverComes) {
+  const std::function<void()> events[] = {
+      [this] { handover_.announce(17); },
+      [this] { handover_.give("x", 1); },
+      [this] { handover_.finish({}); },
+      [this] { handover_.leave(); },
+  };
+  for (const auto& happen : events) {
+    std::thread other([&happen] {
+      std::this_thread::sleep_for(std::chrono::milliseconds(30));  // the caller waits by then
+      happen();
+    });
+    const bool left = !handover_.take().has_value();
+    EXPECT_EQ(left, &happen == std::end(events) - 1);
+    other.join();
+  }
+}
+
+TEST_F(TransferHandoverTest, WakesAFetcherThatIsHeld) {
+  const std::string much(size_t{64} * 1024, 'x');
+  for (const bool leaves : {false, true}) {
+    EXPECT_TRUE(handover_.give(much.data(), much.size()));
+    std::thread other([this, leaves] {
+      std::this_thread::sleep_for(std::chrono::milliseconds(30));
+      if (leaves) {
+        handover_.leave();
+      } else {
+        EXPECT_TRUE(handover_.take().has_value());
+      }
+    });
+    EXPECT_EQ(handover_.give("y", 1), !leaves);
+    other.join();
+    if (leaves) return;
+    const auto rest = handover_.take();
+    ASSERT_TRUE(rest.has_value());
+    EXPECT_EQ(rest->bytes, "y");
+  }
 }
 
 TEST_F(TransferHandoverTest, TakesNothingMoreOnceTheCallerHasLeft) {

@@ -160,6 +160,45 @@ TEST_F(UpdatingUninstallDlgTest, ClosesAMessageOfThePublisherWithItselfAndShowsN
   EXPECT_EQ(box(kCheckTitle), nullptr);
 }
 
+TEST_F(UpdatingUninstallDlgTest, ClosesAQuestionOfTheCheckBeforeAPassThatHoldsItUpHasEnded) {
+  open_window();
+  ASSERT_TRUE(pump_until([] { return shown(kCheckTitle); }));
+  reading.shut();
+  bool gone = false;
+  bool stood = false;
+  LaterScript later([&] {
+    close();
+    stood = IsWindow(window) != FALSE;
+    gone = pump_until([] { return !shown(kCheckTitle); });
+    reading.open();
+  });
+  refresh_by_change();
+  EXPECT_TRUE(stood);
+  EXPECT_TRUE(gone);
+  EXPECT_TRUE(pump_until([this] { return !IsWindow(window); }));
+}
+
+TEST_F(UpdatingUninstallDlgTest, EndsByEscapeAsByClose) {
+  open_window();
+  ASSERT_TRUE(pump_until([] { return shown(kCheckTitle); }));
+  command(IDCANCEL);
+  EXPECT_FALSE(IsWindow(window));
+  EXPECT_EQ(box(kCheckTitle), nullptr);
+}
+
+TEST_F(UpdatingUninstallDlgTest, RefreshesWhileAFetchIsUnderWay) {
+  fetching.shut();
+  open_window();
+  ASSERT_TRUE(pump_until([this] { return fetching.reached(); }));
+  add("Cedar", u"Cedar", u"20260109");
+  refresh_by_change();
+  EXPECT_TRUE(count_is("3 / 3 packages"));
+  command(IDC_REFRESH);
+  EXPECT_TRUE(count_is("3 / 3 packages"));
+  fetching.open();
+  ASSERT_TRUE(pump_until([] { return shown(kCheckTitle); }));
+}
+
 TEST_F(UpdatingUninstallDlgTest, CloseEndsAFetchInTheBackground) {
   fetching.shut();
   open_window();
