@@ -36,6 +36,20 @@ class ReadDescriptionTest : public UpdateBed {
   }
 };
 
+/// Late on an evening of November, and nobody knows where.
+class ClockWithoutZone final : public ORLO::Clock {
+ public:
+  ORLO::SystemTime now() const override { return {2026, 11, 0, 5, 23, 30}; }
+  ORLO::ZoneState zone(ORLO::TimeZoneInfo& /*zone*/) const override {
+    return ORLO::ZoneState::unknown;
+  }
+  bool to_local(const ORLO::TimeZoneInfo* /*zone*/, const ORLO::SystemTime& /*utc*/,
+                ORLO::SystemTime& /*local*/) const override {
+    return false;
+  }
+  bool to_local(ORLO::FileTime /*utc*/, ORLO::FileTime& /*local*/) const override { return false; }
+};
+
 /// A body of exactly this length that is a sound description.
 std::string padded(size_t length) {
   const std::string end = "</XML_DIZ_INFO>";
@@ -146,6 +160,30 @@ TEST_F(BackgroundCheckTest, OffersThePageWithoutAnAddressOfTheSetup) {
                          "Do you want to open the web page \"\" to download the new version?\n");
 }
 
+TEST_F(BackgroundCheckTest, OffersThePageInGerman) {
+  german_ = true;
+  PadText text;
+  text.url = "";
+  describe(text);
+  run();
+  EXPECT_EQ(boxes(),
+            "?[Suche nach Programm-Updates] Eine neue Progamm-Version  5.4 (" +
+                shown_date(2026, 11, 5) +
+                ") des \"Zolvane\" von Ada Byron ist verf\xfcgbar.\n\n"
+                "M\xf6\x63hten Sie die Web-Seite \"\" \xf6\x66\x66nen, um die neue Version "
+                "herunterzuladen?\n");
+}
+
+TEST_F(BackgroundCheckTest, ShowsWhatTheDescriptionLeavesOutAsEmpty) {
+  PadText text;
+  text.name = text.year = text.month = text.day = text.first = text.last = text.url = "";
+  describe(text);
+  run();
+  EXPECT_EQ(boxes(),
+            "?[Program Update Check] There is available a new program version 5.4 () of \"\" "
+            "from  \n\nDo you want to open the web page \"\" to download the new version?\n");
+}
+
 TEST_F(BackgroundCheckTest, AsksTheShellForThePageOnYes) {
   PadText text;
   text.url = "";
@@ -231,6 +269,13 @@ TEST_F(BackgroundCheckTest, TakesTheLocalDateForToday) {
   clock_.set({2026, 7, 0, 31, 22, 0});
   run();
   EXPECT_EQ(last(), shown_date(2026, 8, 1));
+}
+
+TEST_F(BackgroundCheckTest, TakesTheWorldsDateWhereNoLocalOneCanBeTold) {
+  const ClockWithoutZone clock;
+  const UpdateServices there{internet_, key_, files_, shell_, clock, nullptr};
+  UpdateCheck(settings_, there, frame_).checkInBackground();
+  EXPECT_EQ(last(), shown_date(2026, 11, 5));
 }
 
 TEST_F(BackgroundCheckTest, RunsOnceMoreWhenTheDateFormatHasChanged) {
@@ -461,6 +506,26 @@ TEST_F(CheckNowTest, SpeaksGerman) {
                 shown_date(2026, 11, 5) +
                 ".\n\nM\xf6\x63hten Sie das Setup von "
                 "\"http://download.example/files/setup.exe\" einspielen?\n");
+}
+
+TEST_F(CheckNowTest, TellsInGermanThatNoUpdateIsNeeded) {
+  german_ = true;
+  PadText text;
+  text.version = "5.3";
+  describe(text);
+  run();
+  EXPECT_EQ(boxes(),
+            "[Suche nach Programm-Updates] derzeit aktive Version: 5.3\n\n"
+            "Der neueste Zolvane ist die Version 5.3 vom " +
+                shown_date(2026, 11, 5) + ".\n\nEs ist keine Aktualisierung erforderlich.\n");
+}
+
+TEST_F(CheckNowTest, NeedsNoUpdateWhereTheDescriptionNamesNoVersion) {
+  serve(kDescriptionUrl, "<XML_DIZ_INFO></XML_DIZ_INFO>");
+  run();
+  EXPECT_EQ(boxes(),
+            "[Program Update Check] Active version: 5.3\n\n"
+            "The newest version of  is  ()\n\nNo update is needed.\n");
 }
 
 TEST_F(CheckNowTest, RunsTheSetupOnYesWithTheWindowInPlace) {
