@@ -48,12 +48,18 @@ function(zolvane_check_addresses)
   endforeach()
 endfunction()
 
-zolvane_read_version()
+# The header of the version goes into ZOLVANE_SETTINGS_FOLDER. Both are written only if they would
+# change, so nothing is built anew without a reason.
+macro(zolvane_write_version)
+  zolvane_read_version()
+  string(REPLACE "." ", " ZOLVANE_VERSION_LIST ${ZOLVANE_VERSION_NUMBERS})
+  configure_file(${CMAKE_SOURCE_DIR}/cmake/settings/version_settings.h.in
+    ${ZOLVANE_SETTINGS_FOLDER}/version_settings.h @ONLY)
+endmacro()
+
 zolvane_check_addresses()
-string(REPLACE "." ", " ZOLVANE_VERSION_LIST ${ZOLVANE_VERSION_NUMBERS})
-# Written only if they would change, so nothing is built anew without a reason.
 set(ZOLVANE_SETTINGS_FOLDER ${CMAKE_BINARY_DIR}/settings)
-foreach(header IN ITEMS address_settings.h version_settings.h)
-  configure_file(${CMAKE_SOURCE_DIR}/cmake/settings/${header}.in
-    ${ZOLVANE_SETTINGS_FOLDER}/${header} @ONLY)
-endforeach()
+set(ZOLVANE_ADDRESSES_FOLDER ${ZOLVANE_SETTINGS_FOLDER})
+zolvane_write_version()
+configure_file(${CMAKE_SOURCE_DIR}/cmake/settings/address_settings.h.in
+  ${ZOLVANE_ADDRESSES_FOLDER}/address_settings.h @ONLY)

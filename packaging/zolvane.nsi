@@ -7,7 +7,8 @@
 ;
 ; Switches: /S silent, /AllUsers, /CurrentUser, /NOSTART to leave out the program's start at the end,
 ; /D=FOLDER as the last one, without quotes. Those of the uninstaller: /S silent, /SETTINGS to remove
-; the user's settings, too.
+; the user's settings, too. Of both: /WAIT=SECONDS, how long a silent run waits for the program's end
+; where it still runs; else half a minute.
 ; Exit codes: 0 done, 1 cancelled, 2 broken off, and:
 !define CODE_RUNNING 3    ; the program was still running
 !define CODE_ELEVATION 4  ; the rights of an administrator were needed
@@ -28,6 +29,7 @@ SetCompressor /SOLID zlib
 !define WAIT_MS 250
 !define SILENT_WAITS 120  ; for the program's end: half a minute
 !define VISIBLE_WAITS 20  ; five seconds, then the user is asked for help
+!define WAITS_A_SECOND 4
 !define SYNCHRONIZE 0x100000
 !define ERROR_ACCESS_DENIED 5
 
@@ -166,11 +168,21 @@ Function ${UN}wait_a_while
   ${Loop}
 FunctionEnd
 
+; Into $2.
+Function ${UN}choose_silent_waits
+  StrCpy $2 ${SILENT_WAITS}
+  ClearErrors
+  ${${UN}GetOptions} $switches "/WAIT=" $0
+  ${IfNot} ${Errors}
+    IntOp $2 $0 * ${WAITS_A_SECOND}
+  ${EndIf}
+FunctionEnd
+
 ; Returns when the program has ended; else breaks off. Whoever updates the program starts the setup
 ; as its last act, so there is hardly anything to wait for then.
 Function ${UN}wait_for_end
   ${If} ${Silent}
-    StrCpy $2 ${SILENT_WAITS}
+    Call ${UN}choose_silent_waits
     Call ${UN}wait_a_while
   ${Else}
     ${Do}
