@@ -89,15 +89,15 @@ to go on." \
   "Zolvane zeigt in einer Liste alles, was auf diesem Computer installiert \
 ist.${PARAGRAPH}Klicken Sie auf Weiter, um fortzufahren."
 ${TEXT} welcome_same \
-  "This version is installed already, in$\r$\n$former${PARAGRAPH}Choose Install to repair it. Your \
+  "This version is installed already, in$\r$\n$former${PARAGRAPH}Choose Next to repair it. Your \
 settings stay as they are." \
   "Diese Version ist bereits installiert, und zwar in$\r$\n$former${PARAGRAPH}Klicken Sie auf \
-Installieren, um sie zu reparieren. Ihre Einstellungen bleiben erhalten."
+Weiter, um sie zu reparieren. Ihre Einstellungen bleiben erhalten."
 ${TEXT} welcome_other \
-  "Zolvane $former_version is installed in$\r$\n$former${PARAGRAPH}Choose Install to replace it \
+  "Zolvane $former_version is installed in$\r$\n$former${PARAGRAPH}Choose Next to replace it \
 with version ${VERSION}. Your settings stay as they are." \
   "Zolvane $former_version ist installiert in$\r$\n$former${PARAGRAPH}Klicken Sie auf \
-Installieren, um es durch die Version ${VERSION} zu ersetzen. Ihre Einstellungen bleiben erhalten."
+Weiter, um es durch die Version ${VERSION} zu ersetzen. Ihre Einstellungen bleiben erhalten."
 ${TEXT} scope_title "Who Is It For?" "Für wen?"
 ${TEXT} scope_subtitle "Choose who is to use Zolvane on this computer." \
   "Wählen Sie, wer Zolvane auf diesem Computer benutzen soll."
@@ -109,6 +109,8 @@ ${TEXT} needs_elevation \
   "Ohne Administratorrechte kann Zolvane nicht für alle Benutzer installiert oder entfernt werden."
 ${TEXT} still_running "Zolvane is still running. Please close it, and then choose Retry." \
   "Zolvane läuft noch. Bitte beenden Sie es, und klicken Sie dann auf Wiederholen."
+${TEXT} broken_off "Zolvane is still running. Nothing has been changed." \
+  "Zolvane läuft noch. Es wurde nichts verändert."
 ${TEXT} not_written "Zolvane could not be installed: a file could not be written." \
   "Zolvane konnte nicht installiert werden: Eine Datei ließ sich nicht schreiben."
 ${TEXT} not_removed "zolvane.exe could not be removed. It may still be in use." \
@@ -195,7 +197,7 @@ Function ${UN}wait_for_end
   ${EndIf}
   ${If} $running = 1
     SetErrorLevel ${CODE_RUNNING}
-    Abort "$(still_running)"
+    Abort "$(broken_off)"
   ${EndIf}
 FunctionEnd
 
