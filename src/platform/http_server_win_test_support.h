@@ -170,11 +170,13 @@ class HttpServer {
 
   void answer(OwnedSocket client, const ServerAnswer& answer) {
     const bool silent = answer.body.empty() && (answer.resets || answer.holds);
-    if (!silent) {
+    if (answer.head_bytes) {
+      send_all(client.get(), head_of(answer).substr(0, *answer.head_bytes));
+    } else if (!silent) {
       send_all(client.get(), head_of(answer));
       send_body(client.get(), answer);
     }
-    if (answer.resets) {
+    if (answer.resets || answer.head_bytes) {
       const linger at_once = {1, 0};
       setsockopt(client.get(), SOL_SOCKET, SO_LINGER, reinterpret_cast<const char*>(&at_once),
                  sizeof at_once);

@@ -23,6 +23,8 @@ struct ServerAnswer {
   bool resets = false;    ///< the line breaks after the body; before any header if that is empty
   bool holds = false;     ///< nothing more comes after the body; not even headers if that is empty
   bool in_single_bytes = false;
+  /// The line breaks after so many bytes of the headers.
+  std::optional<size_t> head_bytes = std::nullopt;
 };
 
 /// What the server was asked.

@@ -201,9 +201,13 @@ class UninstallDlgTest : public testing::Test {
     char path[MAX_PATH] = "";
     return std::string(path, GetTempPathA(MAX_PATH, path));
   }
-  static void apply_language() { ++languages; }
+  static void apply_language() {
+    ++languages;
+    language_applied = true;
+  }
   /// How many threads have set theirs.
   static inline std::atomic<int> languages{0};
+  static inline thread_local bool language_applied = false;
 
   const Resources resources{GetModuleHandleA(nullptr), kEnglish};
   MemoryRegistry registry{MemoryRegistry::View::native};

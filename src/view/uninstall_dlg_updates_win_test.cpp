@@ -35,6 +35,7 @@ class UpdatingUninstallDlgTest : public ChoosingUninstallDlgTest {
     offer("5.4");
     background_internet.on_fetch = [this] {
       ++fetches;
+      in_language = language_applied;
       fetching.pass();
     };
   }
@@ -74,6 +75,8 @@ class UpdatingUninstallDlgTest : public ChoosingUninstallDlgTest {
   void close() const { SendMessageA(window, WM_CLOSE, 0, 0); }
 
   std::atomic<int> fetches{0};
+  /// Whether the thread of the last fetch has set its language.
+  std::atomic<bool> in_language{false};
   /// Holds the thread that checks in its first fetch.
   TestGate fetching;
 };
@@ -82,6 +85,7 @@ TEST_F(UpdatingUninstallDlgTest, ChecksOnceInTheBackgroundAfterItHasOpened) {
   offer("5.3");
   open_window();
   EXPECT_TRUE(pump_until([this] { return fetches == 1; }));
+  EXPECT_TRUE(in_language);
   ORLO::sleep_with_messages(100);
   EXPECT_EQ(fetches, 1);
   EXPECT_FALSE(shown(kCheckTitle));
