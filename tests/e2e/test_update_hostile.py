@@ -15,7 +15,7 @@ from support.registry import SZ
 from support.updates import (CHECK_NOW, DESCRIPTION, LAST_CHECK, MARKER, OFFER_TITLES, OWN_KEY, SETUP,
                              SETUP_NAME, Updates)
 from support.web_server import Gate, WebServer, head, page
-from support.window import NO, OK, WM_CLOSE, YES, Box
+from support.window import NO, OK, WM_CLOSE, WM_COMMAND, YES, Box
 
 ABOUT, SWITCH_LANGUAGE, EXPORT, REFRESH_KEY = 16, 32, 1024, 1007
 WM_QUIT, WM_QUERYENDSESSION, WM_ENDSESSION, WM_CANCELMODE = 0x12, 0x11, 0x16, 0x1F
@@ -102,16 +102,18 @@ def nobody_is_left(updates):
 
 
 def answer_all(window):
-    """The boxes of a check on demand, one after the other: their titles."""
-    titles = []
-    while not titles or not window.program.window()["enabled"]:
-        for box in window.boxes():
-            titles.append(box["title"])
+    """The boxes of a check on demand, one after the other: their titles. Between a message and what
+    follows it the window is enabled for a moment."""
+    boxes = {}
+    while list(boxes.values())[-1:] in ([], ["Message"]) or not window.program.window()["enabled"]:
+        for shown in window.boxes():
+            boxes[shown["handle"]] = shown["title"]
+            box = Box(window.desk, shown["handle"])
             with contextlib.suppress(DriverError):
-                box = Box(window.desk, box["handle"])
-                box.answer(NO if YES in box.buttons else OK)
+                answer = NO if YES in box.buttons else OK
+                window.desk.driver("post", box.handle, WM_COMMAND, answer, 0)
         time.sleep(0.02)
-    return titles
+    return list(boxes.values())
 
 
 def check_now(window):
