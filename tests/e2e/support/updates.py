@@ -17,7 +17,7 @@ OWN_KEY, LAST_CHECK = "Software\\Quillmere\\Zolvane", "last update check"
 DESCRIPTION, SETUP = "/zolvane.xml", "/downloads/zolvane-setup.exe"
 SETUP_NAME, MARKER = "zolvane-setup.exe", "zolvane.tmp"
 CHECK_NOW, SHOW_DESCRIPTION = 32788, 2008
-ADDRESS, BAR = 1038, 1039
+BAR = 1039
 
 OFFER_TITLES = {"english": "Program Update Check", "german": "Suche nach Programm-Updates"}
 MESSAGE_TITLES = {"english": "Message", "german": "Hinweismeldung"}
@@ -27,7 +27,7 @@ WM_CLOSE = 0x10
 # An end that has been asked for comes within so many seconds.
 ENDS_WITHIN = 5
 # So long is looked out for what must not come, as there is no sign of its not coming.
-MOMENT = 0.5
+MOMENT = 0.3
 
 
 class Updates:
@@ -36,6 +36,7 @@ class Updates:
         self.driver, self.server, self._binaries = desk.driver, server, binaries
         self.temporary = desk.driver("temp-folder")
         self.temporary_files = desk.prefix.host_path(self.temporary.rstrip("\\"))
+        self.settings = desk.prefix.kept / "zolvane-cfg.xml"
         # Before the first test: what the system itself has put there.
         self._first_files = set(self.temporary_files.iterdir())
         # Some systems have the client take a proxy from there.
@@ -88,8 +89,10 @@ class Updates:
     def handed_over(self):
         """The setup as it was started; it notes that beside itself."""
         log = self.temporary_files / f"{SETUP_NAME}.log"
-        eventually(log.exists, "the setup is started")
-        return log.read_text("cp1252").splitlines()
+        eventually(lambda: log.exists() and log.read_bytes().endswith(b"\n"),
+                   "the setup is started")
+        # Some systems' shell puts a blank where arguments would be.
+        return [line.rstrip(" ") for line in log.read_text("cp1252").splitlines()]
 
     def marker(self):
         return (self.temporary_files / MARKER).read_bytes()
