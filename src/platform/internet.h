@@ -38,8 +38,8 @@ class Internet {
   virtual ~Internet() = default;
   /// GET, by the system's proxy setting; blocks for the whole transfer. The body goes to `stream`
   /// block by block, whatever the server's status is and whether the stream takes it. True if the
-  /// server told no length, or sent as much as it told; else false. Throws LIE on any failure, one
-  /// of them a redirect from https to http. `progress` may be null.
+  /// server told no length, or sent as much as it told; else false. Throws LIE on any failure;
+  /// a redirect from https to http is one, and so is the 21st redirect. `progress` may be null.
   virtual bool fetchUrl(const FetchRequest& request, std::ostream& stream,
                         TransferProgress* progress) = 0;
   /// What InetIsOffline says; none if it can't be asked.

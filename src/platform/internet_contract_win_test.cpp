@@ -101,6 +101,21 @@ TEST_F(SystemInternet, FollowsARedirect) {
   EXPECT_EQ(server_.requests().size(), 2u);
 }
 
+TEST_F(SystemInternet, EndsARedirectThatLeadsToItself) {
+  ServerAnswer redirect{"", "0"};
+  redirect.status = 302;
+  redirect.headers = "Location: /0\r\n";
+  const Fetched fetched = fetch_answer(redirect);
+  EXPECT_EQ(fetched.error, static_cast<uint32_t>(ERROR_HTTP_REDIRECT_FAILED));
+  EXPECT_EQ(fetched.body, "");
+  // One more may be on its way.
+  Sleep(100);
+  const size_t requests = server_.requests().size();
+  EXPECT_LT(requests, 30u);
+  Sleep(200);
+  EXPECT_EQ(server_.requests().size(), requests);
+}
+
 TEST_F(SystemInternet, LeavesACompressedBodyAsItIs) {
   ServerAnswer answer{std::string("\x1F\x8B\x08\0\0", 5), "5"};
   answer.headers = "Content-Encoding: gzip\r\n";

@@ -23,6 +23,8 @@ constexpr size_t kBlock = 1024;
 // For an address, its host and its path each, the terminator counted.
 constexpr DWORD kAddressRoom = 260;
 constexpr DWORD kLengthRoom = 32;
+// Not every system ends a chain of redirects by itself.
+constexpr int kMostRedirects = 20;
 // Doubts about a server that a request without a look at names lets pass.
 constexpr DWORD kIgnoredDoubts = SECURITY_FLAG_IGNORE_UNKNOWN_CA | SECURITY_FLAG_IGNORE_WRONG_USAGE;
 
@@ -35,6 +37,7 @@ struct InternetFunctions {
     find(functions, "HttpOpenRequestA", open_request);
     find(functions, "InternetQueryOptionA", query_option);
     find(functions, "InternetSetOptionA", set_option);
+    find(functions, "InternetSetStatusCallbackA", set_status_callback);
     find(functions, "HttpSendRequestA", send_request);
     find(functions, "HttpQueryInfoA", query_info);
     find(functions, "InternetReadFile", read_file);
@@ -49,6 +52,7 @@ struct InternetFunctions {
   decltype(&HttpOpenRequestA) open_request;
   decltype(&InternetQueryOptionA) query_option;
   decltype(&InternetSetOptionA) set_option;
+  decltype(&InternetSetStatusCallbackA) set_status_callback;
   decltype(&HttpSendRequestA) send_request;
   decltype(&HttpQueryInfoA) query_info;
   decltype(&InternetReadFile) read_file;
@@ -151,7 +155,7 @@ class Transfer {
         own(inet_.connect(internet.get().value, address.host, address.parts.nPort, nullptr, nullptr,
                           INTERNET_SERVICE_HTTP, 0, 0));
     OwnedInternet request = open_request(connection, address);
-    demand(inet_.send_request(request.get().value, nullptr, 0, nullptr, 0));
+    send(request);
     demand_still_secure(request.get().value);
     announce_length(request.get().value);
     read_body(request.get().value);
@@ -183,8 +187,45 @@ class Transfer {
     demand(inet_.set_option(request, INTERNET_OPTION_SECURITY_FLAGS, &doubts, sizeof doubts));
   }
 
-  /// Not every system stops by itself at a redirect to an address that isn't secure. Where one
-  /// doesn't, the place that it has come to in the end is what can be asked for.
+  void send(OwnedInternet& request) {
+    watch(request.get().value);
+    const BOOL sent = inet_.send_request(request.get().value, nullptr, 0, nullptr, 0);
+    if (refusal_ != 0) {
+      static_cast<void>(request.release());  // closed already
+      fail(refusal_);
+    }
+    demand(sent);
+    inet_.set_status_callback(request.get().value, nullptr);
+  }
+
+  /// Has on_status() called during the sending.
+  void watch(HINTERNET request) {
+    DWORD_PTR context = reinterpret_cast<DWORD_PTR>(this);
+    demand(inet_.set_option(request, INTERNET_OPTION_CONTEXT_VALUE, &context, sizeof context));
+    if (inet_.set_status_callback(request, &on_status) == INTERNET_INVALID_STATUS_CALLBACK) {
+      throw ORLO::LIE();
+    }
+  }
+
+  static void CALLBACK on_status(HINTERNET request, DWORD_PTR context, DWORD status, LPVOID data,
+                                 DWORD) {
+    if (status != INTERNET_STATUS_REDIRECT || data == nullptr) return;
+    reinterpret_cast<Transfer*>(context)->redirected(request, static_cast<const char*>(data));
+  }
+
+  /// To close the request is the way out of its sending that a callback has. Where the system goes
+  /// on all the same, this thread ends here: its caller has been told.
+  void redirected(HINTERNET request, const char* url) noexcept {
+    while (refusal_ != 0)
+      Sleep(INFINITE);
+    if (secure_ && !begins_with(url, "https:")) refusal_ = ERROR_INTERNET_HTTPS_TO_HTTP_ON_REDIR;
+    if (++redirects_ > kMostRedirects) refusal_ = ERROR_HTTP_REDIRECT_FAILED;
+    if (refusal_ == 0) return;
+    handover_.finish({refusal_});
+    inet_.close_handle(request);
+  }
+
+  /// Where no redirect was told of, the place that it has come to in the end can be asked for.
   void demand_still_secure(HINTERNET request) const {
     if (!secure_) return;
     std::string url(INTERNET_MAX_URL_LENGTH, '\0');
@@ -222,6 +263,8 @@ class Transfer {
   const std::string referrer_;
   const DWORD flags_;
   bool secure_ = false;
+  int redirects_ = 0;
+  DWORD refusal_ = 0;  ///< why a redirect isn't followed
   TransferHandover handover_;
 };
 

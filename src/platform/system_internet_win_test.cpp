@@ -27,12 +27,19 @@ struct FakeClient {
   DWORD claimed = 0;  ///< more than a block has
   DWORD security = 0x10;
   size_t read = 0;
+  std::vector<std::string> redirects{};  ///< told of during the sending
+  DWORD_PTR context = 0;
+  INTERNET_STATUS_CALLBACK callback = nullptr;
   ORLO::Event closed;  ///< all handles
 
   BOOL enter(const std::string& name, const std::string& rest = std::string()) {
     calls.push_back(rest.empty() ? name : name + ' ' + rest);
     SetLastError(name == failing ? kError : 0);
     return name != failing;
+  }
+  bool closes(HINTERNET handle) const {
+    const std::string call = "close" + std::to_string(reinterpret_cast<uintptr_t>(handle));
+    return std::find(calls.begin(), calls.end(), call) != calls.end();
   }
   HINTERNET open(const std::string& name, const std::string& rest, uintptr_t number) {
     return enter(name, rest) ? reinterpret_cast<HINTERNET>(number) : nullptr;
@@ -98,6 +105,11 @@ BOOL WINAPI query_option(HINTERNET handle, DWORD option, LPVOID value, LPDWORD s
   return TRUE;
 }
 BOOL WINAPI set_option(HINTERNET handle, DWORD option, LPVOID value, DWORD size) {
+  if (option == INTERNET_OPTION_CONTEXT_VALUE) {
+    EXPECT_EQ(size, sizeof client->context);
+    std::memcpy(&client->context, value, sizeof client->context);
+    return client->enter("set_context", text_of(handle));
+  }
   DWORD number = 0;
   EXPECT_EQ(size, sizeof number);
   std::memcpy(&number, value, sizeof number);
@@ -109,7 +121,21 @@ BOOL WINAPI send_request(HINTERNET handle, LPCSTR headers, DWORD header_size, LP
   EXPECT_EQ(headers, nullptr);
   EXPECT_EQ(body, nullptr);
   EXPECT_EQ(header_size + body_size, 0u);
-  return client->enter("send", text_of(handle));
+  const BOOL sent = client->enter("send", text_of(handle));
+  for (std::string& url : client->redirects) {
+    if (client->closes(handle)) break;
+    client->callback(handle, client->context, INTERNET_STATUS_RECEIVING_RESPONSE, nullptr, 0);
+    client->callback(handle, client->context, INTERNET_STATUS_REDIRECT, url.data(),
+                     static_cast<DWORD>(url.size()));
+  }
+  return sent;
+}
+INTERNET_STATUS_CALLBACK WINAPI set_status_callback(HINTERNET handle,
+                                                    INTERNET_STATUS_CALLBACK callback) {
+  client->callback = callback;
+  return client->enter(callback != nullptr ? "watch" : "unwatch", text_of(handle))
+             ? nullptr
+             : INTERNET_INVALID_STATUS_CALLBACK;
 }
 BOOL WINAPI query_info(HINTERNET handle, DWORD what, LPVOID value, LPDWORD size, LPDWORD index) {
   EXPECT_EQ(index, nullptr);
@@ -150,6 +176,7 @@ class OddInternet : public testing::Test {
     functions_.set("HttpOpenRequestA", &open_request);
     functions_.set("InternetQueryOptionA", &query_option);
     functions_.set("InternetSetOptionA", &set_option);
+    functions_.set("InternetSetStatusCallbackA", &set_status_callback);
     functions_.set("HttpSendRequestA", &send_request);
     functions_.set("HttpQueryInfoA", &query_info);
     functions_.set("InternetReadFile", &read_file);
@@ -180,11 +207,11 @@ TEST_F(OddInternet, IsAskedStepByStep) {
   const Fetched fetched = fetch(*internet_, "http://h/p", kTestLimit, kFetchNoCache);
   EXPECT_EQ(fetched.complete, true);
   EXPECT_EQ(fetched.body, "body");
-  EXPECT_EQ(
-      client_.calls,
-      (Calls{"canonicalize http://h/p 260 0", "open tester 1.0 0 0", "crack http://h/p 0",
-             "connect 1 host 81 3", "open_request 2 /path \"tester 1.0 looks for \" 256", "send 3",
-             "query_info 3 5 32", "read 3 1024", "read 3 1024", "close3", "close2", "close1"}));
+  EXPECT_EQ(client_.calls,
+            (Calls{"canonicalize http://h/p 260 0", "open tester 1.0 0 0", "crack http://h/p 0",
+                   "connect 1 host 81 3", "open_request 2 /path \"tester 1.0 looks for \" 256",
+                   "set_context 3", "watch 3", "send 3", "unwatch 3", "query_info 3 5 32",
+                   "read 3 1024", "read 3 1024", "close3", "close2", "close1"}));
 }
 
 TEST_F(OddInternet, AsksSecurelyForASecureAddress) {
@@ -213,12 +240,35 @@ TEST_F(OddInternet, RefusesARedirectThatIsNoLongerSecure) {
   EXPECT_EQ(closed(), "321");
 }
 
+TEST_F(OddInternet, LeavesARedirectThatIsNoLongerSecureBeforeItIsFollowed) {
+  // The end of the chain would be secure again.
+  client_.final_url = "https://h/p";
+  client_.redirects = {"https://h/a", "http://h/b", "https://h/p"};
+  const Fetched fetched = fetch(*internet_, "https://h/p");
+  EXPECT_EQ(fetched.error, static_cast<uint32_t>(ERROR_INTERNET_HTTPS_TO_HTTP_ON_REDIR));
+  ASSERT_TRUE(ORLO::wait_for(client_.closed, 20'000));
+  EXPECT_EQ(closed(), "321");
+}
+
+TEST_F(OddInternet, FollowsTwentyRedirectsAndNoMore) {
+  client_.redirects.assign(20, "http://h/p");
+  EXPECT_EQ(fetch(*internet_, "http://h/p").complete, true);
+  client_.closed.reset();
+  client_.calls.clear();
+  client_.redirects.assign(22, "http://h/p");
+  const Fetched fetched = fetch(*internet_, "http://h/p");
+  EXPECT_EQ(fetched.error, static_cast<uint32_t>(ERROR_HTTP_REDIRECT_FAILED));
+  ASSERT_TRUE(ORLO::wait_for(client_.closed, 20'000));
+  EXPECT_EQ(closed(), "321");
+}
+
 TEST_F(OddInternet, ClosesWhatIsOpenInReverseOrderWhenACallFails) {
   const std::pair<const char*, const char*> rows[] = {
       {"canonicalize", ""},  {"open", ""},           {"crack", "1"},
       {"connect", "1"},      {"open_request", "21"}, {"query_option", "321"},
-      {"set_option", "321"}, {"send", "321"},        {"read", "321"},
-      {"close3", "321"},     {"close2", "321"},      {"close1", "321"},
+      {"set_option", "321"}, {"set_context", "321"}, {"watch", "321"},
+      {"send", "321"},       {"read", "321"},        {"close3", "321"},
+      {"close2", "321"},     {"close1", "321"},
   };
   for (const auto& [failing, expected] : rows) {
     SCOPED_TRACE(failing);
@@ -258,10 +308,10 @@ TEST_F(OddInternet, StopsReadingOnceTheLimitIsReached) {
 TEST_F(OddInternet, IsLookedUpWithTheFirstCallAndOnlyOnce) {
   EXPECT_TRUE(functions_.asked().empty());
   fetch(*internet_, "http://h/p");
-  EXPECT_EQ(functions_.asked().size(), 11u);
+  EXPECT_EQ(functions_.asked().size(), 12u);
   fetch(*internet_, "http://h/p");
   internet_->url_path("http://h/p");
-  EXPECT_EQ(functions_.asked().size(), 11u);
+  EXPECT_EQ(functions_.asked().size(), 12u);
 }
 
 TEST_F(OddInternet, FailsWithoutAnyOfItsFunctions) {
