@@ -10,6 +10,7 @@ from support.installers import Installer
 from support.program import ALL_PACKAGES, LIST, REFRESH, SEARCH, eventually, wait_for_focus
 from support.registry import Key, reg_text
 from support.seeding import path_of
+from support.updates import SHOW_DESCRIPTION
 from support.window import (BUTTONS, COPY, LAUNCH_URL, MODIFY, OK, OPEN_FOLDER, REMOVE, REPAIR,
                             UNINSTALL)
 
@@ -133,6 +134,12 @@ def test_a_right_click_on_the_header_offers_all_columns(window):
 def test_the_issue_tracker_is_opened(window, browser):
     window.program.ask("command", BUG_REPORT)
     browser.wait_for_starts('"https://example.org/zolvane/issues"')
+    assert window.boxes() == []
+
+
+def test_the_description_of_the_newest_version_is_opened(window, browser):
+    window.program.ask("command", SHOW_DESCRIPTION)
+    browser.wait_for_starts('"https://example.org/zolvane/zolvane-pad.xml"')
     assert window.boxes() == []
 
 

@@ -543,7 +543,7 @@ def test_on_demand_a_description_that_is_none_is_told(updates, language):
 
 @pytest.mark.parametrize("host", ["127.0.0.1:%d", "nobody.invalid"],
                          ids=["refused", "not resolved"])
-def test_on_demand_a_server_that_is_not_reached_is_told_with_the_systems_text(updates, host):
+def test_on_demand_a_server_that_is_not_reached_is_told(updates, host):
     with web_server.refusing_port() as port:
         address = f"http://{host}{DESCRIPTION}".replace("%d", str(port))
         updates.be_at(address)
