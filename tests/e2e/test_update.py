@@ -48,6 +48,7 @@ BROKEN = {
     "end before headers": [],
     "end within headers": [b"HTTP/1.1 200 OK\r\nContent-Le"],
     "no HTTP": [b"SSH-2.0-server\r\n"],
+    "redirect to itself": web_server.redirect_to(DESCRIPTION),
 }
 UNUSABLE = {
     "short": page(GOOD, length=len(GOOD) + 1),
@@ -68,8 +69,6 @@ STALLING = {
     "never a body": [web_server.head(Content_Length=1000), web_server.silence],
     "a byte a second": [web_server.drip(page(GOOD)[0])],
     "endless": [web_server.head(), web_server.endless],
-    # Not every system counts how often it is sent on.
-    "redirect to itself": web_server.redirect_to(DESCRIPTION),
 }
 
 
