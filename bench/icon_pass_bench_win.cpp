@@ -24,6 +24,7 @@
 #include "platform/memory_shell.h"
 #include "platform/memory_storage.h"
 #include "platform/resource_ids.h"
+#include "update/update_system_test_support.h"
 #include "view/list_icons.h"
 #include "view/list_model.h"
 #include "view/uninstall_dlg.h"
@@ -159,6 +160,7 @@ void choose_rows(const IconFiles& files, IconExtractor& extractor, Files& system
   MemoryShell shell;
   MemoryStorage storage;
   MemoryInstallerDatabases databases;
+  MemoryUpdateSystem updates;
   MemorySystem nothing;
   const Resources resources(GetModuleHandleA(nullptr), 2057);
   UninstallPara para;
@@ -172,7 +174,10 @@ void choose_rows(const IconFiles& files, IconExtractor& extractor, Files& system
                            shell,
                            extractor,
                            storage,
-                           {nothing.installer, databases}});
+                           {nothing.installer, databases},
+                           updates.system(),
+                           {},
+                           false});
       });
   const HWND list = GetDlgItem(dialog, IDC_LIST);
   int row = 0;

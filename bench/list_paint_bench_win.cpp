@@ -13,6 +13,7 @@
 #include "platform/memory_shell.h"
 #include "platform/memory_storage.h"
 #include "platform/resource_ids.h"
+#include "update/update_system_test_support.h"
 #include "view/uninstall_dlg.h"
 
 namespace {
@@ -41,7 +42,7 @@ void seed(MemoryRegistry& registry) {
 
 HWND open_window(const Resources& resources, MemoryRegistry& registry, MemorySystem& system,
                  MemoryShell& shell, MemoryIcons& icons, MemoryStorage& storage,
-                 InstallerDatabases& databases) {
+                 InstallerDatabases& databases, MemoryUpdateSystem& updates) {
   UninstallPara para;
   para.noPersist = true;
   const HWND window = ORLO::Dialog::DoModeless(
@@ -52,7 +53,10 @@ HWND open_window(const Resources& resources, MemoryRegistry& registry, MemorySys
                                                              shell,
                                                              icons,
                                                              storage,
-                                                             {system.installer, databases}});
+                                                             {system.installer, databases},
+                                                             updates.system(),
+                                                             {},
+                                                             false});
       });
   SetWindowPos(window, nullptr, 0, 0, kWidth, kHeight, SWP_NOZORDER);
   return window;
@@ -95,9 +99,11 @@ int main() {
   MemoryIcons icons;
   MemoryStorage storage;
   MemoryInstallerDatabases databases;
+  MemoryUpdateSystem updates;
   seed(registry);
   const Resources resources(GetModuleHandleA(nullptr), kEnglish);
-  Window window(open_window(resources, registry, system, shell, icons, storage, databases));
+  Window window(
+      open_window(resources, registry, system, shell, icons, storage, databases, updates));
   if (!window.shows_all()) {
     std::printf("the window doesn't show %d rows\n", kRows);
     return 1;
