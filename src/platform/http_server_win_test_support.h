@@ -169,7 +169,8 @@ class HttpServer {
   }
 
   void answer(OwnedSocket client, const ServerAnswer& answer) {
-    const bool silent = answer.body.empty() && (answer.resets || answer.holds);
+    const bool silent =
+        answer.is_missing || (answer.body.empty() && (answer.resets || answer.holds));
     if (answer.head_bytes) {
       send_all(client.get(), head_of(answer).substr(0, *answer.head_bytes));
     } else if (!silent) {

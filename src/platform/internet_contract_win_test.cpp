@@ -130,6 +130,16 @@ TEST_F(SystemInternet, BearsHeadersOfAMegabyte) {
   EXPECT_TRUE(fetched.error != 0 || fetched.body == "x");
 }
 
+// To some systems a line that breaks looks like one that ends.
+TEST_F(SystemInternet, FailsIfTheLineEndsWithoutAWord) {
+  ServerAnswer answer;
+  answer.is_missing = true;
+  const Fetched fetched = fetch_answer(answer);
+  EXPECT_EQ(fetched.complete, std::nullopt);
+  EXPECT_NE(fetched.error, 0u);
+  EXPECT_EQ(fetched.body, "");
+}
+
 TEST_F(SystemInternet, HasNoBodyWhereTheLineBreaksInTheHeaders) {
   for (const size_t bytes : {1u, 8u, 12u, 20u, 30u, 40u, 42u}) {
     SCOPED_TRACE(bytes);

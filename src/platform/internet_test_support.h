@@ -22,6 +22,7 @@ struct ServerAnswer {
   std::string headers{};  ///< further ones, each with its line end
   bool resets = false;    ///< the line breaks after the body; before any header if that is empty
   bool holds = false;     ///< nothing more comes after the body; not even headers if that is empty
+  bool is_missing = false;  ///< the line ends without a word
   bool in_single_bytes = false;
   /// The line breaks after so many bytes of the headers.
   std::optional<size_t> head_bytes = std::nullopt;

@@ -156,6 +156,7 @@ class Transfer {
                           INTERNET_SERVICE_HTTP, 0, 0));
     OwnedInternet request = open_request(connection, address);
     send(request);
+    demand_status(request.get().value);
     demand_still_secure(request.get().value);
     announce_length(request.get().value);
     read_body(request.get().value);
@@ -223,6 +224,16 @@ class Transfer {
     if (refusal_ == 0) return;
     handover_.finish({refusal_});
     inet_.close_handle(request);
+  }
+
+  /// Any status will do. Not every system fails where the line breaks before there is one, and what
+  /// it has then is no empty body.
+  void demand_status(HINTERNET request) const {
+    DWORD status = 0;
+    DWORD size = sizeof status;
+    demand(inet_.query_info(request, HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER, &status,
+                            &size, nullptr));
+    if (status == 0) fail(ERROR_HTTP_INVALID_SERVER_RESPONSE);
   }
 
   /// Where no redirect was told of, the place that it has come to in the end can be asked for.

@@ -1,6 +1,5 @@
 """What is new or changed since the last run, and the file that remembers."""
 
-import contextlib
 import os
 import shutil
 from pathlib import Path
@@ -9,8 +8,7 @@ import pytest
 
 from conftest import BINARIES
 from support.held import HeldDesk
-from support.program import (ALL_PACKAGES, REFRESH, WINDOW_CLASS, DriverError, eventually,
-                             wait_for_focus)
+from support.program import (ALL_PACKAGES, REFRESH, WINDOW_CLASS, eventually, wait_for_focus)
 from support.registry import BINARY, SZ, UNINSTALL, USAGE_CACHE, Key, Usage, usage_bytes
 from support.watching import PLACES, shows_by_itself
 
@@ -416,8 +414,8 @@ def test_a_close_during_the_first_pass_leaves_no_history_and_the_next_run_a_whol
     held = HeldDesk(files.desk, BINARIES / "zolvane-held.exe")
     program = held.start(f"hold@{point}", persist=True)
     held.reached()
-    program.ask("post", WM_CLOSE, 0, 0)
-    program.ask("ping", 3, BOX_LIMIT)
+    # It has been heard when this comes back.
+    program.ask("send", WM_CLOSE, 0, 0)
     held.go()
     assert program.exit_code() == 0
     # What a pass has read of the machine by then is no state of it.
@@ -465,7 +463,7 @@ def test_a_refresh_in_the_middle_accepts_the_present_state(memory, hold_with_new
 
 
 @pytest.mark.parametrize("end", [
-    lambda program: program.ask("post", WM_CLOSE, 0, 0),
+    lambda program: program.ask("send", WM_CLOSE, 0, 0),
     lambda program: program.ask("post-thread", WM_QUIT),
 ], ids=["close", "quit"])
 @pytest.mark.parametrize("point", ["source2", "product1"])
@@ -473,10 +471,7 @@ def test_an_end_in_the_middle_of_a_pass_leaves_the_news_to_the_next_run(memory, 
                                                                         point, end):
     held, program = hold_with_news(point)
     end(program)
-    # Until the close has been heard; a pass that ends before a quit is heard isn't handed over
-    # either.
-    with contextlib.suppress(DriverError):
-        program.ask("ping", 3, BOX_LIMIT)
+    # A close has been heard by now; a pass that ends before a quit is heard isn't handed over either.
     held.go()
     assert program.exit_code() == 0
     assert memory.content() == GOLDEN.read_bytes()

@@ -10,6 +10,7 @@ namespace driver {
 namespace {
 
 constexpr DWORD kPollMilliseconds = 10;
+constexpr DWORD kPingPause = 10;  // milliseconds
 
 BOOL CALLBACK add_window(HWND window, LPARAM list) {
   reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
@@ -218,11 +219,14 @@ class Stopwatch {
   LARGE_INTEGER start_{};
 };
 
-/// ping WINDOW TIMES LIMIT: for each time the microseconds until the window has answered.
+/// ping WINDOW TIMES LIMIT: for each time the microseconds until the window has answered. What is
+/// sent overtakes what has been posted; with a pause after it, the posted comes before the next
+/// ping.
 void ping(const Words& words, Json& answer) {
   const HWND window = window_at(words, 1);
   answer.begin_array();
   for (int64_t i = 0; i < words.number(2); ++i) {
+    if (i != 0) Sleep(kPingPause);
     const Stopwatch watch;
     if (SendMessageTimeoutA(window, WM_NULL, 0, 0, SMTO_NORMAL, static_cast<UINT>(words.number(3)),
                             nullptr) == 0) {
