@@ -54,6 +54,7 @@ Var second_box
 !define MUI_UNICON "${ICON}"
 
 !define MUI_WELCOMEPAGE_TEXT "$welcome"
+!define MUI_PAGE_CUSTOMFUNCTION_SHOW name_first_button
 !insertmacro MUI_PAGE_WELCOME
 Page custom show_scope leave_scope
 !define MUI_PAGE_CUSTOMFUNCTION_PRE skip_if_installed
@@ -89,15 +90,15 @@ to go on." \
   "Zolvane zeigt in einer Liste alles, was auf diesem Computer installiert \
 ist.${PARAGRAPH}Klicken Sie auf Weiter, um fortzufahren."
 ${TEXT} welcome_same \
-  "This version is installed already, in$\r$\n$former${PARAGRAPH}Choose Next to repair it. Your \
+  "This version is installed already, in$\r$\n$former${PARAGRAPH}Choose Install to repair it. Your \
 settings stay as they are." \
   "Diese Version ist bereits installiert, und zwar in$\r$\n$former${PARAGRAPH}Klicken Sie auf \
-Weiter, um sie zu reparieren. Ihre Einstellungen bleiben erhalten."
+Installieren, um sie zu reparieren. Ihre Einstellungen bleiben erhalten."
 ${TEXT} welcome_other \
-  "Zolvane $former_version is installed in$\r$\n$former${PARAGRAPH}Choose Next to replace it \
-with version ${VERSION}. Your settings stay as they are." \
+  "Zolvane $former_version is installed in$\r$\n$former${PARAGRAPH}Choose Install to replace \
+it with version ${VERSION}. Your settings stay as they are." \
   "Zolvane $former_version ist installiert in$\r$\n$former${PARAGRAPH}Klicken Sie auf \
-Weiter, um es durch die Version ${VERSION} zu ersetzen. Ihre Einstellungen bleiben erhalten."
+Installieren, um es durch die Version ${VERSION} zu ersetzen. Ihre Einstellungen bleiben erhalten."
 ${TEXT} scope_title "Who Is It For?" "Für wen?"
 ${TEXT} scope_subtitle "Choose who is to use Zolvane on this computer." \
   "Wählen Sie, wer Zolvane auf diesem Computer benutzen soll."
@@ -319,6 +320,14 @@ Function .onInit
     Call choose_folder
   ${EndIf}
   Call choose_welcome
+FunctionEnd
+
+; Where something is installed already, no page comes between the first one and the files.
+Function name_first_button
+  ${If} $former != ""
+    GetDlgItem $0 $HWNDPARENT 1
+    SendMessage $0 ${WM_SETTEXT} 0 "STR:$(^InstallBtn)"
+  ${EndIf}
 FunctionEnd
 
 Function skip_if_installed

@@ -22,6 +22,7 @@ struct FakeClient {
   std::vector<std::string> calls;
   std::string failing{};  ///< the call that fails, with kError
   std::string final_url = "http://h/p";
+  DWORD status = 404;
   std::string length{};  ///< as bytes; no length if empty
   std::vector<std::string> blocks{"body"};
   DWORD claimed = 0;  ///< more than a block has
@@ -139,6 +140,11 @@ INTERNET_STATUS_CALLBACK WINAPI set_status_callback(HINTERNET handle,
 }
 BOOL WINAPI query_info(HINTERNET handle, DWORD what, LPVOID value, LPDWORD size, LPDWORD index) {
   EXPECT_EQ(index, nullptr);
+  if (what == (HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER)) {
+    EXPECT_EQ(*size, sizeof client->status);
+    std::memcpy(value, &client->status, sizeof client->status);
+    return client->enter("query_status", text_of(handle));
+  }
   if (!client->enter("query_info",
                      text_of(handle) + ' ' + std::to_string(what) + ' ' + std::to_string(*size)) ||
       client->length.empty()) {
@@ -207,11 +213,12 @@ TEST_F(OddInternet, IsAskedStepByStep) {
   const Fetched fetched = fetch(*internet_, "http://h/p", kTestLimit, kFetchNoCache);
   EXPECT_EQ(fetched.complete, true);
   EXPECT_EQ(fetched.body, "body");
-  EXPECT_EQ(client_.calls,
-            (Calls{"canonicalize http://h/p 260 0", "open tester 1.0 0 0", "crack http://h/p 0",
-                   "connect 1 host 81 3", "open_request 2 /path \"tester 1.0 looks for \" 256",
-                   "set_context 3", "watch 3", "send 3", "unwatch 3", "query_info 3 5 32",
-                   "read 3 1024", "read 3 1024", "close3", "close2", "close1"}));
+  EXPECT_EQ(
+      client_.calls,
+      (Calls{"canonicalize http://h/p 260 0", "open tester 1.0 0 0", "crack http://h/p 0",
+             "connect 1 host 81 3", "open_request 2 /path \"tester 1.0 looks for \" 256",
+             "set_context 3", "watch 3", "send 3", "unwatch 3", "query_status 3",
+             "query_info 3 5 32", "read 3 1024", "read 3 1024", "close3", "close2", "close1"}));
 }
 
 TEST_F(OddInternet, AsksSecurelyForASecureAddress) {
@@ -264,11 +271,14 @@ TEST_F(OddInternet, FollowsTwentyRedirectsAndNoMore) {
 
 TEST_F(OddInternet, ClosesWhatIsOpenInReverseOrderWhenACallFails) {
   const std::pair<const char*, const char*> rows[] = {
-      {"canonicalize", ""},  {"open", ""},           {"crack", "1"},
-      {"connect", "1"},      {"open_request", "21"}, {"query_option", "321"},
-      {"set_option", "321"}, {"set_context", "321"}, {"watch", "321"},
-      {"send", "321"},       {"read", "321"},        {"close3", "321"},
-      {"close2", "321"},     {"close1", "321"},
+      {"canonicalize", ""},    {"open", ""},
+      {"crack", "1"},          {"connect", "1"},
+      {"open_request", "21"},  {"query_option", "321"},
+      {"set_option", "321"},   {"set_context", "321"},
+      {"watch", "321"},        {"send", "321"},
+      {"query_status", "321"}, {"read", "321"},
+      {"close3", "321"},       {"close2", "321"},
+      {"close1", "321"},
   };
   for (const auto& [failing, expected] : rows) {
     SCOPED_TRACE(failing);
@@ -280,6 +290,14 @@ TEST_F(OddInternet, ClosesWhatIsOpenInReverseOrderWhenACallFails) {
     EXPECT_EQ(fetched.error, kError);
     EXPECT_EQ(closed(), expected);
   }
+}
+
+TEST_F(OddInternet, TakesAnAnswerWithoutAStatusForAFailure) {
+  client_.status = 0;
+  const Fetched fetched = fetch(*internet_, "http://h/p");
+  EXPECT_EQ(fetched.error, static_cast<uint32_t>(ERROR_HTTP_INVALID_SERVER_RESPONSE));
+  EXPECT_FALSE(called("read 3 1024"));
+  EXPECT_EQ(closed(), "321");
 }
 
 TEST_F(OddInternet, TakesALengthThatFillsItsRoom) {

@@ -92,7 +92,7 @@ def wait_gone(window, key):
 def check_alive(window):
     """It answers, searches and counts while an installer runs."""
     program = window.program
-    program.ask("ping", 3, 5000)
+    program.ask("settle")
     count = len(window.names())
     program.ask("set-text", SEARCH, "lantern")
     eventually(lambda: window.names() == ["Lantern"], "what is searched for")
@@ -307,7 +307,7 @@ def open_in_second_pass(setups, key, *more):
 
 def check_nothing_started(window, setups):
     wait_met(window)
-    window.program.ask("ping", 3, 5000)
+    window.program.ask("settle")
     assert window.boxes() == [] and setups.setup.lines() == setups.msiexec.lines() == []
 
 
@@ -465,7 +465,7 @@ def test_a_command_that_starts_nothing_is_passed_over_and_the_list_read_again(se
     act(window, key, UNINSTALL)
     eventually(lambda: setups.passes() == before + 1, "it is read again", limit=60)
     assert window.boxes() == []
-    window.program.ask("ping", 3, 5000)
+    window.program.ask("settle")
     setups.check_passes(window, 1, before)
     assert window.program.close() == 0
 
@@ -508,7 +508,7 @@ def test_an_installer_that_starts_a_second_one_and_ends(setups):
     act(window, key, UNINSTALL)
     setups.setup.wait_for_starts("/again /wait:installer-go /delete:P0",
                                  "/wait:installer-go /delete:P0")
-    window.program.ask("ping", 3, 5000)
+    window.program.ask("settle")
     window.desk.driver("event-set", "installer-go")
     # The change in the registry tells.
     wait_gone(window, key)
@@ -521,7 +521,7 @@ def test_installers_that_never_end_do_not_keep_the_window(setups, count):
     for number, key in enumerate(keys, 1):
         act(window, key, UNINSTALL)
         eventually(lambda: len(setups.setup.lines()) == number, f"{number} run")
-    window.program.ask("ping", 3, 5000)
+    window.program.ask("settle")
     assert seconds_to_end(window) < ENDS_WITHIN
     assert len(setups.setup.running()) == count
 
@@ -583,10 +583,10 @@ def test_an_outer_action_that_ends_first_is_followed_once_the_inner_one_has_ende
         eventually(lambda: len(setups.setup.lines()) == number, f"{number} run")
     window.desk.driver("event-set", "Outer")
     eventually(lambda: len(setups.setup.running()) == 1, "one installer is left")
-    window.program.ask("ping", 3, 5000)
+    window.program.ask("settle")
     window.desk.driver("event-set", "Inner")
     eventually(lambda: setups.passes() > before, "it is read again")
-    window.program.ask("ping", 3, 5000)
+    window.program.ask("settle")
     assert window.program.close() == 0
 
 

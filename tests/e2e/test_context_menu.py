@@ -297,7 +297,7 @@ def test_the_installation_folder_opens(window, setups):
     window.click_cell(name_of(WHOLE), NAME_COLUMN, button=3)
     window.choose_in_popup(OPEN_FOLDER)
     setups.installer(EXPLORER).wait_for_starts('"C:\\Whole world"')
-    window.program.ask("ping", 1, 5000)
+    window.program.ask("settle")
     assert window.boxes() == []
     assert window.program.close() == 0
 

@@ -370,7 +370,7 @@ def test_a_damaged_image_file_costs_icons_alone(desk, damage):
         images_file(desk).unlink()
     written = paths_file(desk).stat().st_mtime_ns
     window = open_saving(desk)
-    window.program.ask("ping", 3, 5000)
+    window.program.ask("settle")
     if damage in HARMLESS:
         wait_for_images(window, EXPECTED)
         assert shown_wrongly(window) == {}
@@ -429,7 +429,7 @@ def test_a_damaged_paths_file_costs_icons_alone(desk, name):
     settings = kept_settings(desk)
     paths_file(desk).write_bytes(GARBAGE[name])
     window = open_saving(desk)
-    window.program.ask("ping", 3, 5000)
+    window.program.ask("settle")
     wait_for_images(window, {"File": ORANGE, "First": RED})
     assert shown_wrongly(window, {"File": ORANGE, "First": RED, "Second": GREEN}) == {}
     assert window.program.close() == 0
@@ -523,7 +523,7 @@ def test_a_refresh_in_the_middle_of_a_pass(many, number):
     window.post(REFRESH)
     held.go()
     window.wait_filled(MANY)
-    window.program.ask("ping", 1, 5000)
+    window.program.ask("settle")
     wait_for_all(window)
     assert len(set(images(window).values())) == MANY
     assert window.program.close() == 0

@@ -368,7 +368,7 @@ def test_a_dialog_asked_for_during_a_refresh_opens_after_it(desk, command, name,
         window.program.ask("post", WM_APP, 0, 0)
         held.reached()
         window.post(command)
-        window.program.ask("ping", 3, 5000)
+        window.program.ask("settle")
         assert window.boxes() == []
         held.go()
         dialog = Inspection(window, command, name if subject is None else subject)

@@ -286,7 +286,7 @@ def test_an_icon_that_is_being_extracted_is_all_that_the_end_waits_for(desk, eve
     EVENTS[event](state)
     if event != "quit":
         # The thread has been told to end, but can't hear it.
-        state.program.ask("ping", 3, ENDS_WITHIN * 1000)
+        state.program.ask("settle")
     start = time.monotonic()
     state.leave()
     check_ends(state)
@@ -321,7 +321,7 @@ def test_the_window_is_alive_while_a_source_is_slow(desk, source, event):
     eventually(lambda: program.ask("focus") != first, "Tab moves the focus")
     EVENTS[event](state)
     if event != "quit":
-        program.ask("ping", 3, ENDS_WITHIN * 1000)
+        program.ask("settle")
         assert program.window()["visible"]
     # Nobody breaks the source off, nor goes on without it.
     assert program.is_running()
@@ -341,7 +341,7 @@ def test_an_end_waits_for_the_source_under_way_alone(desk, point, event):
     state, reached = traced(desk, point)
     EVENTS[event](state)
     if event != "quit":
-        state.program.ask("ping", 3, ENDS_WITHIN * 1000)
+        state.program.ask("settle")
     start = time.monotonic()
     state.leave()
     check_ends(state)
@@ -375,7 +375,7 @@ def test_a_notice_inside_a_slow_source_is_counted_and_starts_nothing(desk):
     state, reached = in_slow_source(desk, "product")
     for _ in range(3):
         EVENTS["notice"](state)
-    state.program.ask("ping", 3, ENDS_WITHIN * 1000)
+    state.program.ask("settle")
     state.leave()
     state.program.wait_for_status(ALL)
     assert sum(point.startswith("product") for point in reached()) == 1

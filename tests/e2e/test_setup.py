@@ -14,7 +14,7 @@ from support.releases import NEXT as NEXT_VERSION
 from support.releases import THIS, setups_of
 from support.window import Window
 
-RUNNING = 3
+CANCELLED, RUNNING, NOT_WRITTEN = 1, 3, 5
 OWN_KEY = "Software\\Quillmere\\Zolvane"
 
 
@@ -162,6 +162,43 @@ def test_a_silent_setup_waits_for_the_programs_end(setup):
     assert version_of(setup, setup.folder()) == "5.4.0.0"
 
 
+def test_the_start_menu_entry_starts_the_program(setup):
+    assert setup.run(THIS) == 0
+    (entry,) = setup.shortcuts()
+    path = "\\".join(entry.relative_to(setup.desk.prefix.folder / "drive_c").parts)
+    setup.driver("start", f'C:\\windows\\system32\\start.exe "C:\\{path}"')
+    (program,) = eventually(setup.programs, "the program runs")
+    assert Program(setup.driver, setup.desk.screen, program).close() == 0
+
+
+def test_a_user_may_have_a_version_beside_that_of_all_users(setup):
+    assert setup.run(THIS, "/AllUsers") == 0
+    assert setup.run(NEXT_VERSION, "/CurrentUser") == 0
+    assert [setup.value("DisplayVersion", scope) for scope in ("machine", "user")] == ["5.3", "5.4"]
+    setup.uninstall()
+    wait_removed(setup, setup.folder())
+    assert setup.files(setup.folder("machine")) == FILES
+    assert len(setup.shortcuts()) == 1
+
+
+def test_a_file_that_can_not_be_written_is_told_by_the_exit_code(setup):
+    setup.desk.prefix.make_file("C:\\Odd\\zolvane.chm\\in the way.txt")
+    assert setup.run(THIS, "/D=C:\\Odd") == NOT_WRITTEN
+    assert setup.value("UninstallString") is None
+    assert setup.shortcuts() == []
+    assert setup.desk.prefix.host_path("C:\\Odd\\zolvane.chm\\in the way.txt").exists()
+
+
+def test_an_uninstaller_removes_nothing_while_the_program_runs(setup):
+    assert setup.run(THIS) == 0
+    window = Window(setup.desk)
+    assert setup.uninstall_in_place("/WAIT=0") == RUNNING
+    assert setup.files(setup.folder()) == FILES
+    assert setup.value("DisplayVersion") == "5.3"
+    assert len(setup.shortcuts()) == 1
+    window.program.close()
+
+
 def keep_settings(setup):
     """Settings of a user, and what isn't ours beside them."""
     kept = setup.desk.prefix.kept
@@ -244,17 +281,79 @@ def test_the_pages_lead_through_setup_and_uninstall(make_desk, language):
         remover.press(NEXT)
 
 
-def test_a_cancelled_setup_installs_nothing(setup):
+SETUP_PAGES = ("Welcome", "Only for me", "Destination")
+
+
+@pytest.mark.parametrize("page", range(3))
+def test_a_setup_that_is_cancelled_on_any_page_installs_nothing(setup, page):
+    wizard = setup.wizard(THIS)
+    for text in SETUP_PAGES[:page]:
+        wizard.find(text)
+        wizard.press(NEXT)
+    wizard.find(SETUP_PAGES[page])
+    wizard.press(CANCEL)
+    assert wizard.exit_code() == CANCELLED
+    assert [setup.value("UninstallString", scope) for scope in PLACES] == [None, None]
+    assert setup.shortcuts() == []
+
+
+def test_the_uninstaller_that_is_cancelled_removes_nothing(setup):
+    assert setup.run(THIS) == 0
+    kept, names = keep_settings(setup)
+    remover = setup.remover()
+    remover.find("Remove my settings")
+    remover.press(CANCEL)
+    assert remover.exit_code() == CANCELLED
+    assert setup.files(setup.folder()) == FILES
+    assert len(setup.shortcuts()) == 1
+    assert {file.name for file in kept.iterdir()} == names
+
+
+def test_by_its_pages_the_setup_installs_for_all_users_without_a_start_if_that_is_chosen(setup):
     wizard = setup.wizard(THIS)
     wizard.find("Welcome")
     wizard.press(NEXT)
-    wizard.find("Only for me")
-    wizard.press(CANCEL)
-    for box in wizard.boxes():
-        wizard.answer(box, 6)
-    assert wizard.exit_code() == 1
+    wizard.click("For all users")
+    wizard.press(NEXT)
+    wizard.find("Destination")
+    wizard.press(NEXT)
+    wizard.click("Start Zolvane")
+    wizard.press(NEXT)
+    assert wizard.exit_code() == 0
+    assert setup.files(setup.folder("machine")) == FILES
     assert setup.value("UninstallString") is None
-    assert setup.shortcuts() == []
+    assert setup.programs() == []
+
+
+FIRST_PAGES = {
+    "english": {THIS: ("This version is installed already", "Choose Install to repair it."),
+                NEXT_VERSION: ("Zolvane 5.3 is installed",
+                               "Choose Install to replace it with version 5.4.")},
+    "german": {THIS: ("Diese Version ist bereits installiert",
+                      "Klicken Sie auf Installieren, um sie zu reparieren."),
+               NEXT_VERSION: ("Zolvane 5.3 ist installiert", "Klicken Sie auf Installieren, um es "
+                              "durch die Version 5.4 zu ersetzen.")}}
+INSTALL = {"english": "&Install", "german": "&Installieren"}
+
+
+@pytest.mark.parametrize("language", PAGES)
+def test_where_it_is_installed_the_first_page_and_its_button_say_what_comes(make_desk, language):
+    with make_desk(lc_all=PAGES[language][0]) as desk:
+        setup = Installation(desk, setups_of(BINARIES))
+        assert setup.run(THIS) == 0
+        for version, (start, end) in FIRST_PAGES[language].items():
+            (setup.desk.prefix.host_path(setup.folder()) / "zolvane.chm").unlink()
+            wizard = setup.wizard(version, "/NOSTART")
+            text = wizard.find(start)["text"]
+            assert setup.folder() in text and end in text
+            assert wizard.wait_enabled(NEXT)["text"] == INSTALL[language]
+            wizard.picture(SCREENSHOTS / f"{language}-setup-over-{version}.png")
+            wizard.press(NEXT)
+            wizard.find(PAGES[language][4])
+            wizard.press(NEXT)
+            assert wizard.exit_code() == 0
+            assert setup.files(setup.folder()) == FILES
+            assert setup.value("DisplayVersion") == version
 
 
 def test_by_its_pages_the_setup_asks_to_close_the_program(setup):

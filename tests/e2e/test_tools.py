@@ -76,7 +76,7 @@ def test_a_tool_of_the_system_is_started(clean, command, name, arguments):
     window.post(command)
     tool.wait_for_starts(arguments)
     # Nobody waits for it.
-    window.program.ask("ping", 3, 5000)
+    window.program.ask("settle")
     assert window.boxes() == []
     assert window.program.close() == 0
 
@@ -106,7 +106,7 @@ def test_without_the_cleanup_tool_its_page_is_offered(clean, language, answer):
     window.wait_usable()
     if answer == YES:
         browser.wait_for_starts(f'"{CLEANUP_PAGE}"')
-    window.program.ask("ping", 1, 5000)
+    window.program.ask("settle")
     assert window.program.close() == 0
     assert browser.lines() == []
 

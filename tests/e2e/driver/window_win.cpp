@@ -10,7 +10,8 @@ namespace driver {
 namespace {
 
 constexpr DWORD kPollMilliseconds = 10;
-constexpr DWORD kPingPause = 10;  // milliseconds
+constexpr int kSettleRounds = 3;
+constexpr DWORD kSettlePause = 10;  // milliseconds
 
 BOOL CALLBACK add_window(HWND window, LPARAM list) {
   reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
@@ -219,14 +220,11 @@ class Stopwatch {
   LARGE_INTEGER start_{};
 };
 
-/// ping WINDOW TIMES LIMIT: for each time the microseconds until the window has answered. What is
-/// sent overtakes what has been posted; with a pause after it, the posted comes before the next
-/// ping.
+/// ping WINDOW TIMES LIMIT: for each time the microseconds until the window has answered.
 void ping(const Words& words, Json& answer) {
   const HWND window = window_at(words, 1);
   answer.begin_array();
   for (int64_t i = 0; i < words.number(2); ++i) {
-    if (i != 0) Sleep(kPingPause);
     const Stopwatch watch;
     if (SendMessageTimeoutA(window, WM_NULL, 0, 0, SMTO_NORMAL, static_cast<UINT>(words.number(3)),
                             nullptr) == 0) {
@@ -235,6 +233,17 @@ void ping(const Words& words, Json& answer) {
     answer.number(watch.microseconds());
   }
   answer.end_array();
+}
+
+/// settle WINDOW: waits until the window has got what was posted to it. What is sent overtakes
+/// that, so it is asked more than once, with pauses.
+void settle(const Words& words, Json& answer) {
+  const HWND window = window_at(words, 1);
+  for (int i = 0; i < kSettleRounds; ++i) {
+    if (i != 0) Sleep(kSettlePause);
+    send_limited(window, WM_NULL, 0, 0);
+  }
+  answer.boolean(true);
 }
 
 /// send-timed WINDOW MESSAGE WPARAM LPARAM: the microseconds until the message has been handled,
@@ -278,11 +287,22 @@ void is_drawn(const Words& words, Json& answer) {
 }
 
 constexpr Command kCommands[] = {
-    {"windows", list_windows},       {"drawn", is_drawn},      {"invalidate", invalidate},
-    {"wait-window", wait_window},    {"wait-gone", wait_gone}, {"window", show_window_state},
-    {"send", send_message},          {"post", post_message},   {"move", move_window},
-    {"show", show_window},           {"min-size", min_size},   {"focus", focused_control},
-    {"post-thread", post_to_thread}, {"in-menu", is_in_menu},  {"ping", ping},
+    {"windows", list_windows},
+    {"drawn", is_drawn},
+    {"invalidate", invalidate},
+    {"wait-window", wait_window},
+    {"wait-gone", wait_gone},
+    {"window", show_window_state},
+    {"send", send_message},
+    {"post", post_message},
+    {"move", move_window},
+    {"show", show_window},
+    {"min-size", min_size},
+    {"focus", focused_control},
+    {"post-thread", post_to_thread},
+    {"in-menu", is_in_menu},
+    {"ping", ping},
+    {"settle", settle},
     {"send-timed", send_timed},
 };
 

@@ -117,6 +117,12 @@ class Installation:
         command = self.value("QuietUninstallString", scope)
         self.driver("start", " ".join([command, *switches]))
 
+    def uninstall_in_place(self, *switches):
+        """Silently and without a copy, which can't remove itself; the exit code."""
+        pid = self.driver("start", " ".join([self.value("QuietUninstallString"), *switches,
+                                             f"_?={self.folder()}"]))
+        return self.driver("wait-exit", pid, LIMIT * 1000)
+
     def remover(self):
         """The uninstaller's pages; those of its copy."""
         self.driver("start", self.value("UninstallString"))

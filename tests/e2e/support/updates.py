@@ -125,7 +125,7 @@ class Updates:
             assert window.boxes() == []
             time.sleep(0.05)
         assert window.program.window()["visible"]
-        window.program.ask("ping", 3, 5000)
+        window.program.ask("settle")
 
     def check_closes(self, window):
         """The window is asked to close, and the process ends in time and well."""
