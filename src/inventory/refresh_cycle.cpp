@@ -51,11 +51,13 @@ void RefreshCycle::run_noted() {
   if (refreshing_ || ended_) return;
   const Flagged refreshing(refreshing_);
   afresh_due_ = false;
+  abandoned_ = false;
   bool finished = run_whole();
   while (finished && !ended_ && std::exchange(afresh_due_, false)) {
     forget();
     finished = run_whole();
   }
+  abandoned_ = !finished;
   if (finished) parts_.frame.refreshed();
 }
 

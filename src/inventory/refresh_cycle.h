@@ -69,6 +69,8 @@ class RefreshCycle {
   void run_noted();
   void run_noted_afresh();
   bool refreshing() const noexcept { return refreshing_; }
+  /// The last cycle was given up, as the program is to go.
+  bool abandoned() const noexcept { return abandoned_; }
   unsigned refreshCount() const noexcept { return refresh_count_; }
   /// From here on no cycle starts; one that runs goes on to its end.
   void end() noexcept { ended_ = true; }
@@ -87,6 +89,7 @@ class RefreshCycle {
   const Wait wait_;
   unsigned refresh_count_ = 0;
   bool refreshing_ = false;
+  bool abandoned_ = false;
   bool ended_ = false;
   bool afresh_due_ = false;
   bool forgetting_ = false;  ///< somebody waits for the list, to forget what it has

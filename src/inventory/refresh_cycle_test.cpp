@@ -530,6 +530,7 @@ TEST_F(RefreshCycleTest, QuitAbandonsTheCycleWithNothingHandedOver) {
   EXPECT_EQ(run(), (Log{"clear marks"}));
   EXPECT_EQ(frame_.log, (Log{"begin wait", "end wait"}));
   EXPECT_EQ(current_.size(), 0u);
+  EXPECT_TRUE(cycle_->abandoned());
 }
 
 TEST_F(RefreshCycleTest, CycleAfterAnAbandonedOneBringsAll) {
@@ -539,6 +540,17 @@ TEST_F(RefreshCycleTest, CycleAfterAnAbandonedOneBringsAll) {
   run();
   at_wait = {};
   EXPECT_EQ(run(), (Log{"clear marks", "begin", "apply App HKCU Uninstall", "end"}));
+  EXPECT_FALSE(cycle_->abandoned());
+}
+
+TEST_F(RefreshCycleTest, CycleThatFailsAfterAnAbandonedOneIsNotAbandoned) {
+  start();
+  at_wait = [] { return ORLO::kWaitQuit; };
+  run();
+  at_wait = {};
+  frame_.at_counts = [] { throw ORLO::UserException("no room"); };
+  EXPECT_THROW(cycle_->requestRefresh(), ORLO::UserException);
+  EXPECT_FALSE(cycle_->abandoned());
 }
 
 TEST_F(RefreshCycleTest, OvertakenWaitGoesOn) {
