@@ -12,7 +12,7 @@ from support import handlers
 from support.exports import (DIALOG_TITLES, FILE_TYPE, NO, READERS, YES, SaveDialog,
                              csv_bytes, read_by_xlrd, sheet_of)
 from support.installers import Installer
-from support.program import ALL_PACKAGES, SEARCH, eventually
+from support.program import ALL_PACKAGES, SEARCH, eventually, wait_for_focus
 from support.registry import Key
 from support.rules import read_all, world_of
 from support.samples import FILES, KEYS, USAGES
@@ -249,7 +249,7 @@ def test_closing_the_program_closes_the_box_about_a_workbook(window, folder):
 def test_the_dialog_is_operated_by_the_keyboard_alone(window, world, folder):
     dialog = SaveDialog.of(window)
     screen = window.desk.screen
-    eventually(lambda: screen.focus_title() == DIALOG_TITLES["english"], "the dialog has the focus")
+    wait_for_focus(screen, DIALOG_TITLES["english"])
     screen.press_key("ctrl+a")
     screen.type_text("C:\\Lists\\typed.csv")
     eventually(lambda: dialog.name() == "C:\\Lists\\typed.csv", lambda: f"typed {dialog.name()!r}")

@@ -227,12 +227,12 @@ def test_commands_by_the_dozen_open_what_can_be_closed_again(window, desk):
         window.post(command)
     eventually(window.boxes, "a dialog is open")
 
-    def close_one():
-        for box in window.boxes():
-            post_if_there(desk, box["handle"], WM_CLOSE, 0)
-        return not window.boxes() and window.program.window()["enabled"]
+    def close_all():
+        for dialog in window.dialogs():
+            post_if_there(desk, dialog["handle"], WM_CLOSE, 0)
+        return not window.dialogs() and window.program.window()["enabled"]
 
-    eventually(close_one, "all are closed")
+    eventually(close_all, "all are closed")
     dialog = inspect(window, MSI_CONTENT, "Numbers", NUMBERS.path)
     dialog.close()
     window.wait_usable()

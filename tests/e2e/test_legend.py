@@ -4,7 +4,7 @@ import pytest
 
 from conftest import SCREENSHOTS
 from support.cells import BLACK, BLUE, CREAM, GREY, RED, WHITE, YELLOW, Look
-from support.program import WINDOW_CLASS, eventually
+from support.program import WINDOW_CLASS, eventually, focus_on
 from support.registry import Key
 
 QUIET = ("-nopersist", "-noupdate")
@@ -48,8 +48,8 @@ class Legend:
         self.program.ask("post", WM_COMMAND, LEGEND_COMMAND, 0)
         self.handle = desk.driver("wait-window", self.program.pid, WINDOW_CLASS,
                                   self.texts["title"], LIMIT)["handle"]
-        eventually(lambda: self.window()["foreground"]
-                   and desk.screen.focus_title() == self.texts["title"], "the legend is active")
+        has_focus = focus_on(desk.screen, self.texts["title"])
+        eventually(lambda: has_focus() and self.window()["foreground"], "the legend is active")
 
     def ask(self, command, *arguments):
         return self.desk.driver(command, self.handle, *arguments)

@@ -1,6 +1,8 @@
 // Drives programs from outside: reads one command a line from the standard input and answers each
 // with one line of JSON, {"ok":true,"value":...} or {"ok":false,"error":"..."}. Ends with its
 // input.
+#include <windows.h>
+
 #include <cstring>
 #include <iostream>
 #include <string>
@@ -47,9 +49,23 @@ std::string answer_to(const std::string& line) {
   }
 }
 
+/// Has the desktop made, if it isn't there yet, and waits until windows can stand on it: Wine has a
+/// process of its own make it, and a program that starts just then would find half a desktop, get
+/// no window and end.
+void wait_for_desktop() {
+  constexpr int kLooks = 200;
+  const HWND desktop = GetDesktopWindow();
+  for (int look = 0; look < kLooks; ++look) {
+    // Set once the desktop's display is known.
+    if (GetPropA(desktop, "__wine_display_device_guid") != nullptr) return;
+    Sleep(50);
+  }
+}
+
 }  // namespace
 
 int main() {
+  wait_for_desktop();
   std::string line;
   while (std::getline(std::cin, line)) {
     if (!line.empty() && line.back() == '\r') line.pop_back();

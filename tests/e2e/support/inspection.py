@@ -1,6 +1,6 @@
 """The dialogs that look into a package: its database, its features, its patches."""
 
-from .program import eventually
+from .program import eventually, focus_on
 from .window import Box
 
 PATCHES, FEATURES, MSI_CONTENT = 1032, 1023, 2013
@@ -37,8 +37,9 @@ class Inspection(Box):
         return self.ask("control", control)["rect"]
 
     def activate(self):
-        eventually(lambda: self.ask("window")["foreground"]
-                   and self.desk.screen.focus_title() == self.title, "the dialog is active")
+        has_focus = focus_on(self.desk.screen, self.title)
+        eventually(lambda: has_focus() and self.ask("window")["foreground"],
+                   "the dialog is active")
 
     def press(self, key):
         """A key that doesn't close it."""

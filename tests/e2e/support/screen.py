@@ -77,6 +77,13 @@ class Screen:
         note(f"focus on {title!r}")
         return title
 
+    def activate(self, title):
+        """Has the window manager give a window the focus, as a click into a taskbar does."""
+        note(f"activate {title!r}")
+        subprocess.run(["xdotool", "search", "--onlyvisible", "--name", f"^{re.escape(title)}$",
+                        "windowactivate"], env=self.env, stdin=subprocess.DEVNULL,
+                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=20)
+
     def frame_of(self, title):
         """A window with the frame that the window manager has put around it."""
         def read(*command):

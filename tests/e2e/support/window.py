@@ -90,9 +90,15 @@ class Window:
         controls = self.program.controls()
         return {number for number in BUTTONS if controls[number]["enabled"]}
 
-    def boxes(self):
-        return [window for window in self.desk.windows_of(self.program.pid)
+    def dialogs(self):
+        """All boxes that there are. One that opens while messages are waiting is hidden until its
+        loop has seen to them."""
+        return [window for window in self.desk.driver("windows", self.program.pid)
                 if window["class"] == WINDOW_CLASS and window["handle"] != self.program.handle]
+
+    def boxes(self):
+        """Those that can be seen."""
+        return [dialog for dialog in self.dialogs() if dialog["visible"]]
 
     def box(self, title=TITLE):
         """The one box of this title, once it is there."""
