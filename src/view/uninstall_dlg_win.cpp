@@ -340,7 +340,10 @@ void UninstallDlg::after_refresh() {
   if (cycle_.refreshing()) return;
   if (due_result_) EndDialog(*due_result_);
   // What waits goes with the window: a message of ours would come before the quit.
-  if (cycle_.abandoned()) return;
+  if (cycle_.abandoned()) {
+    postponed_action_.reset();
+    export_due_ = false;
+  }
   // By a message: a refresh may have been asked for by somebody who hasn't the time for an
   // installer.
   if (postponed_action_ || export_due_) PostMessageA(_hwnd, kRunPostponedAction, 0, 0);
